@@ -1,0 +1,18 @@
+# Build options, language level and symbol visibility shared by every target.
+option(KORVANE_BUILD_TESTS "Build the test suite" ON)
+option(KORVANE_BUILD_BENCHMARKS "Build the benchmarks" ON)
+option(KORVANE_BUILD_CLI "Build the command-line tool" ON)
+option(KORVANE_SANITIZE "Build with address and undefined-behaviour sanitizers" OFF)
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+# Hidden by default: both libraries export their surface explicitly, as a DLL would.
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+
+# Put every binary and shared library in one folder so the tools find the plug-in beside them.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")

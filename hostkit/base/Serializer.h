@@ -1,0 +1,63 @@
+// Serializer: one routine reads and writes an object; the archive decides the direction.
+//
+// Two archives implement it: BinarySerializer (compact, every double bit for bit) and
+// TextSerializer (readable; every double, NaN payloads, infinities and -0.0 included, reads back
+// bit for bit). Reading is safe on hostile input: a wrong magic or version, truncation, a group
+// name that does not match, unbalanced groups or a count larger than the rest of the input can
+// hold put the archive into a failed state with a message naming the problem and where; after
+// that every exchange is a no-op that leaves values alone (counts read as 0), nothing crashes,
+// and no read allocates more than the input can justify.
+#pragma once
+
+#include "hostkit/HostExport.h"
+
+#include <cstdint>
+#include <string>
+
+namespace Korvane {
+
+class KOR_HOST_API Serializer {
+public:
+    virtual ~Serializer();
+
+    virtual bool IsReading() const = 0;
+
+    // Opens a named group; reading checks the name. 0 or -1 (and the archive fails).
+    virtual int OpenGroup(const char* name) = 0;
+    // Closes the innermost group; reading checks that nothing of the group is left. 0 or -1.
+    virtual int CloseGroup() = 0;
+
+    virtual void Serialize(double& v) = 0;
+    virtual void Serialize(std::int32_t& v) = 0;
+    virtual void Serialize(std::int64_t& v) = 0;
+    // An array of n doubles in one exchange.
+    virtual void Serialize(double* values, int n) = 0;
+    // A named bool; when reading an archive that lacks the name, `flag` becomes `defaultValue`.
+    virtual void Serialize(const char* name, bool& flag, bool defaultValue) = 0;
+    // A string (type identifiers of plug files).
+    virtual void Serialize(std::string& text) = 0;
+
+    // An element count that the caller then allocates for, each element `valuesPerElement`
+    // doubles. Reading refuses (fails, count 0) a negative count or one the rest of the input
+    // cannot hold, so a damaged count never reaches an allocation.
+    virtual void SerializeCount(std::int32_t& n, int valuesPerElement) = 0;
+    // Reading: whether the rest of the input can still hold `elements` elements of
+    // `valuesPerElement` doubles; when not, the archive fails. Writing: always true.
+    virtual bool CanHold(std::int64_t elements, int valuesPerElement) = 0;
+
+    // Marks the archive failed for lack of memory (non-virtual, as in the host).
+    void SetAllocError();
+
+    bool Failed() const { return failed_; }
+    const std::string& Error() const { return error_; }
+
+protected:
+    // Enters the failed state; the first message is kept.
+    void Fail(const std::string& message);
+
+private:
+    bool failed_ = false;
+    std::string error_;
+};
+
+} // namespace Korvane

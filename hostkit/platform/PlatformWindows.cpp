@@ -1,0 +1,27 @@
+#include "hostkit/platform/Platform.h"
+
+#include <malloc.h>
+#include <windows.h>
+
+namespace Korvane::Platform {
+
+void* OpenLibrary(const char* path, std::string& error) {
+    HMODULE lib = LoadLibraryA(path);
+    if (!lib)
+        error = "LoadLibrary failed with error " + std::to_string(GetLastError());
+    return reinterpret_cast<void*>(lib);
+}
+
+void* FindSymbol(void* library, const char* name) {
+    return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(library), name));
+}
+
+void CloseLibrary(void* library) { FreeLibrary(static_cast<HMODULE>(library)); }
+
+void* AlignedAlloc(std::size_t bytes, std::size_t alignment) {
+    return _aligned_malloc(bytes == 0 ? alignment : bytes, alignment);
+}
+
+void AlignedRelease(void* p) { _aligned_free(p); }
+
+} // namespace Korvane::Platform
