@@ -1,0 +1,84 @@
+// CIEConv: the host's CIE converter. Spectrum to XYZ, RGB and grey, the XYZ<->RGB matrices,
+// RGB clipping and validity tests of CIE coordinates.
+//
+// A sampled spectrum is read as the piecewise-linear function through its samples over
+// [first, last wavelength] of its grid and zero outside; a one-point grid is one sample with a
+// band of 1 nm. Integrals against the colour-matching functions (linear between their 1 nm
+// samples, zero outside 360..830 nm) are exact for that reading (Simpson's rule on each interval
+// between merged break points of two piecewise-linear functions).
+//
+// The static operations use the current converter (SetCurrent; the built-in CIE 1931 2-degree
+// converter when none is set), so every caller integrates against one observer.
+#pragma once
+
+#include "hostkit/HostExport.h"
+#include "hostkit/base/Vectors.h"
+#include "hostkit/base/containers/BArray.h"
+#include "hostkit/base/containers/TArray.h"
+#include "hostkit/plugsys/PlugRef.h"
+
+namespace Korvane {
+
+enum class Observer { CIE1931_2deg, CIE1964_10deg };
+
+class KOR_HOST_API CIEConv : public Plug {
+public:
+    ~CIEConv() override;
+
+    // M: (X, Y, Z) -> linear (R, G, B) of the converter's RGB space (sRGB primaries, D65 white).
+    const TMatrix3& XYZ2RGB() const;
+    // N = M^-1: linear (R, G, B) -> (X, Y, Z).
+    const TMatrix3& RGB2XYZ() const;
+    // (kR, kG, kB): the middle row of N; Y = kR R + kG G + kB B.
+    const TVect3<double>& LuminanceCoefs() const;
+    Observer GetObserver() const;
+
+    // Light: X = integral s(l) xbar(l) dl, likewise Y, Z (luminance is 683 Y). 0, or non-zero for
+    // an empty grid or mismatched lengths (xyz set to 0).
+    static int spectrum2xyz(const TArray<double>& waves, const TArray<double>& s,
+                            TVect3<double>& xyz);
+    static int spectrum2xyz(const TArray<double>& waves, const BArray<double>& s,
+                            TVect3<double>& xyz);
+    // Reflectance under D65: integral r D65 cmf / integral D65 ybar over the grid's own range, so
+    // a perfect white reflector has Y = 1 on every grid. Non-zero when the grid sees no light.
+    static int spectrum2xyzAttr(const TArray<double>& waves, const TArray<double>& r,
+                                TVect3<double>& xyz);
+    // ybar-weighted mean over the grid's range; non-zero when integral ybar is 0.
+    static int spectrum2bw(const TArray<double>& waves, const TArray<double>& s, double& value);
+    // Channel c = sum values[i] * cc[i] * c4[i]; an empty c4 means the grid's trapezoid weights.
+    static int spectrum2rgbByCurves(const TArray<double>& waves, const TArray<double>& values,
+                                    const TArray<double>& c1, const TArray<double>& c2,
+                                    const TArray<double>& c3, const TArray<double>& c4,
+                                    TVect3<double>& rgb);
+    // Negatives become 0; then, when the largest channel is above 1, all three are divided by
+    // it. True when the triple changed.
+    static bool ClipRGBScale(TVect3<double>& rgb);
+
+    // M * spectrum2xyz; with normalize the triple is divided by its sum when that is not 0.
+    TVect3<double> Spectr2RGB(const TArray<double>& s, const TArray<double>& waves,
+                              bool normalize) const;
+    // M * spectrum2xyzAttr, each channel divided by that of the perfect white reflector on the
+    // same grid: reflectance 1 everywhere is RGB (1, 1, 1) exactly.
+    TVect3<double> Spectr2RGBAttr(const TArray<double>& r, const TArray<double>& waves,
+                                  bool normalize) const;
+    int spectrum2rgbAttr(const TArray<double>& waves, const TArray<double>& r,
+                         TVect3<double>& rgb) const;
+
+    // (x, y) inside or on the convex hull of the spectral locus (360..830 nm) and y > 0.
+    bool IsValidXY(double x, double y) const;
+    bool IsValidXYY(double x, double y, double Y) const;
+    bool IsValidXYZ(double X, double Y, double Z) const;
+
+    // The converter the static operations use; never null.
+    static const CIEConv* Current();
+    // Makes `conv` current (null: the built-in default). Configuration-time only.
+    static void SetCurrent(const CIEConv* conv);
+
+protected:
+    explicit CIEConv(Observer observer);
+
+    struct Impl;
+    Impl* impl_;
+};
+
+} // namespace Korvane

@@ -1,0 +1,60 @@
+// CIEConvAll: the full converter, a CIEConv that also reconstructs spectra from RGB or XYZ and
+// gives the radiant power of an RGB light.
+//
+// Reconstruction is linear in the input and exact on the target grid. Basis: the three sRGB
+// basis reflectances of Mallett and Yuksel (2019), linear between tabulated points and held at
+// their end values outside. Reflectance r = sum_c a_c B_c with a = A^-1 rgb, column c of A being
+// spectrum2rgbAttr of B_c on the grid; light s = D65 * sum_c a_c B_c with A built from Spectr2RGB
+// of D65 B_c. XYZ input goes through rgb = M xyz. A depends only on the grid and is cached per
+// grid (immutable entries, safe for concurrent conversions). When A is singular or
+// ill-conditioned (the grid cannot see three independent colours) the call returns non-zero and
+// writes zeros.
+#pragma once
+
+#include "hostkit/cie/CIEConv.h"
+#include "hostkit/plugsys/PlugType.h"
+
+namespace Korvane {
+
+class KOR_HOST_API CIEConvAll : public CIEConv {
+public:
+    // A new converter for the observer (the built-in default uses CIE 1931 2 degree), or null.
+    static CIEConvAll* Create(Observer observer = Observer::CIE1931_2deg);
+    // The built-in default converter, alive from host start to host end.
+    static const CIEConvAll* Default();
+
+    PlugType* ObjType() const override;
+
+    int RGB2Spectrum(const TVect3<double>& rgb, const TArray<double>& waves, double* out,
+                     int n) const;
+    int RGB2Spectrum(const TVect3<double>& rgb, const TArray<double>& waves,
+                     TArray<double>& out) const;
+    int RGB2Spectrum(const TVect3<double>& rgb, const TArray<double>& waves,
+                     BArray<double>& out) const;
+    int RGB2SpectrumAttr(const TVect3<double>& rgb, const TArray<double>& waves, double* out,
+                         int n) const;
+    int RGB2SpectrumAttr(const TVect3<double>& rgb, const TArray<double>& waves,
+                         TArray<double>& out) const;
+    int XYZ2Spectrum(const TVect3<double>& xyz, const TArray<double>& waves,
+                     TArray<double>& out) const;
+    int XYZ2SpectrumAttr(const TVect3<double>& xyz, const TArray<double>& waves,
+                         TArray<double>& out) const;
+
+    // Radiant power, integral of RGB2Spectrum(rgb) over 360..830 nm at 1 nm (linear in rgb).
+    double RGB2Watts(const TVect3<double>& rgb) const;
+
+protected:
+    explicit CIEConvAll(Observer observer);
+};
+
+// The type of CIEConvAll plugs; it offers XYZ2Watts = RGB2Watts(M xyz) of the current converter.
+class KOR_HOST_API CIEConvAllType : public PlugType {
+public:
+    CIEConvAllType();
+    double XYZ2Watts(double X, double Y, double Z) const;
+};
+
+// The host's CIEConvAll type object, from host start to host end.
+KOR_HOST_API extern CIEConvAllType* TCIEConvAll;
+
+} // namespace Korvane
