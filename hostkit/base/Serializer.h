@@ -47,6 +47,9 @@ public:
 
     // Marks the archive failed for lack of memory (non-virtual, as in the host).
     void SetAllocError();
+    // Marks the archive failed because what was read is not acceptable to the object reading it
+    // (a value out of its domain); the message says what.
+    void SetDataError(const std::string& message) { Fail(message); }
 
     bool Failed() const { return failed_; }
     const std::string& Error() const { return error_; }
