@@ -1,0 +1,159 @@
+// Loading plug-in modules: the test modules of tests/modules and the colour-model plug-in.
+#include "hostkit/base/FaultInjection.h"
+#include "hostkit/base/Module.h"
+#include "hostkit/base/User.h"
+#include "hostkit/plugsys/PlugRef.h"
+#include "hostkit/plugsys/PlugType.h"
+#include "hostkit/plugsys/PluginLoader.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <string>
+#include <vector>
+
+using namespace Korvane;
+
+namespace {
+
+std::vector<std::string> Texts(ReportKind kind) {
+    std::vector<std::string> texts;
+    for (const Report& r : ReportLog::Entries())
+        if (r.kind == kind)
+            texts.push_back(r.text);
+    return texts;
+}
+
+bool Contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+// A refused load: the code of the one error report, that report's text as the loader's error,
+// naming the path and the cause; nothing held.
+void ExpectRefused(PluginLoader& loader, const char* path, LoadFailure failure,
+                   const std::string& cause) {
+    ReportLog::Clear();
+    EXPECT_EQ(loader.Load(path), kErrorMessageCode);
+    EXPECT_EQ(loader.Failure(), failure);
+    EXPECT_TRUE(Contains(loader.Error(), std::string("\"") + path + "\"")) << loader.Error();
+    EXPECT_TRUE(Contains(loader.Error(), cause)) << loader.Error();
+    EXPECT_EQ(Texts(ReportKind::ErrorMessage), std::vector<std::string>{loader.Error()});
+}
+
+} // namespace
+
+TEST(PluginLoader, LoadsRegistersAndUnloadsInEntryOrder) {
+    const int callsBefore = PluginLoadingCalls();
+    PluginLoader loader;
+    ASSERT_EQ(loader.Load(KORVANE_TEST_MODULE_PATH), 0) << loader.Error();
+    EXPECT_TRUE(loader.IsLoaded());
+    EXPECT_EQ(loader.Failure(), LoadFailure::None);
+    EXPECT_EQ(loader.VersionId(), 7);
+    EXPECT_EQ(LoadingModule(), loader.Module());
+    EXPECT_EQ(PluginLoadingCalls(), callsBefore + 1);
+    EXPECT_EQ(loader.RegisteredTypes(),
+              (std::vector<std::string>{"TestModuleWidget", "TestModuleGadget"}));
+
+    // The module's own type class answers from the module's code.
+    PlugType* widget = PlugType::Find("TestModuleWidget");
+    ASSERT_NE(widget, nullptr);
+    EXPECT_TRUE(PlugType::Find("TestModuleGadget")->IsKindOf(widget));
+    {
+        PlugRef made = widget->NewInstance();
+        ASSERT_TRUE(made);
+        EXPECT_EQ(made.Get()->ObjType(), widget);
+    }
+
+    loader.Unload();
+    EXPECT_FALSE(loader.IsLoaded());
+    EXPECT_EQ(loader.VersionId(), 0);
+    EXPECT_EQ(PlugType::Find("TestModuleWidget"), nullptr);
+    EXPECT_EQ(PlugType::Find("TestModuleGadget"), nullptr);
+    EXPECT_EQ(Texts(ReportKind::Log),
+              (std::vector<std::string>{"TestModule DllMain 1", "TestModule InitClasses",
+                                        "TestModule TermClasses", "TestModule DllMain 0"}));
+
+    // The module can come back, and a loader going out of scope takes its module down.
+    {
+        PluginLoader again;
+        ASSERT_EQ(again.Load(KORVANE_TEST_MODULE_PATH), 0) << again.Error();
+        EXPECT_NE(PlugType::Find("TestModuleWidget"), nullptr);
+    }
+    EXPECT_EQ(PlugType::Find("TestModuleWidget"), nullptr);
+    EXPECT_EQ(Texts(ReportKind::Log).size(), 8u);
+}
+
+TEST(PluginLoader, RefusesWhatIsNotAPlugInWithoutRunningIt) {
+    const std::string textFile = std::string(KORVANE_TEST_SCRATCH_DIR) + "/not-a-module.txt";
+    std::ofstream(textFile) << "InitClasses\n";
+    const std::string missingFile = std::string(KORVANE_TEST_SCRATCH_DIR) + "/no-such-module.so";
+
+    PluginLoader loader;
+    ExpectRefused(loader, textFile.c_str(), LoadFailure::NotALibrary, "not a shared library");
+    ExpectRefused(loader, missingFile.c_str(), LoadFailure::NotALibrary, "not a shared library");
+    ExpectRefused(loader, "", LoadFailure::NotALibrary, "no path given");
+    ExpectRefused(loader, KORVANE_HOST_LIBRARY_PATH, LoadFailure::MissingExport,
+                  "missing export \"DllMain\"");
+    ExpectRefused(loader, KORVANE_NOINIT_MODULE_PATH, LoadFailure::MissingExport,
+                  "missing export \"InitClasses\"");
+    EXPECT_TRUE(Texts(ReportKind::Log).empty()); // its DllMain never ran
+    EXPECT_FALSE(loader.IsLoaded());
+
+    // One module per loader: a second Load is refused and the first module stays.
+    ASSERT_EQ(loader.Load(KORVANE_TEST_MODULE_PATH), 0) << loader.Error();
+    EXPECT_TRUE(loader.Error().empty());
+    ExpectRefused(loader, KORVANE_NOINIT_MODULE_PATH, LoadFailure::Busy, KORVANE_TEST_MODULE_PATH);
+    EXPECT_TRUE(loader.IsLoaded());
+    EXPECT_EQ(loader.Path(), KORVANE_TEST_MODULE_PATH);
+    loader.Unload();
+}
+
+TEST(PluginLoader, FailedInitClassesLeavesNothingRegistered) {
+    PluginLoader loader;
+    {
+        // The second plug allocation is the module's second type: the first one is made.
+        FaultInjection::ScopedFailure fail(FaultInjection::PlugAlloc, 2);
+        ExpectRefused(loader, KORVANE_TEST_MODULE_PATH, LoadFailure::InitFailed,
+                      "InitClasses returned -1");
+    }
+    EXPECT_FALSE(loader.IsLoaded());
+    EXPECT_EQ(PlugType::Find("TestModuleWidget"), nullptr);
+    EXPECT_EQ(Texts(ReportKind::NoMemory).size(), 1u);
+    EXPECT_EQ(Texts(ReportKind::Log),
+              (std::vector<std::string>{"TestModule DllMain 1", "TestModule InitClasses",
+                                        "TestModule TermClasses", "TestModule DllMain 0"}));
+
+    // An identifier clash with a type the host already has fails the same way, and the host's
+    // own type survives the module's cleanup.
+    PlugType* mine = new PlugType("TestModuleGadget", nullptr, true, nullptr);
+    ExpectRefused(loader, KORVANE_TEST_MODULE_PATH, LoadFailure::InitFailed,
+                  "InitClasses returned -1");
+    EXPECT_EQ(PlugType::Find("TestModuleGadget"), mine);
+    EXPECT_EQ(PlugType::Find("TestModuleWidget"), nullptr);
+    DeleteType(mine);
+}
+
+TEST(PluginLoader, DeletesTypesThatTermClassesLeavesBehind) {
+    PluginLoader loader;
+    ASSERT_EQ(loader.Load(KORVANE_LEAKY_MODULE_PATH), 0) << loader.Error();
+    loader.Unload();
+    EXPECT_EQ(PlugType::Find("LeakyModuleGadget"), nullptr);
+    const std::vector<std::string> internal = Texts(ReportKind::InternalError);
+    ASSERT_EQ(internal.size(), 1u);
+    EXPECT_TRUE(Contains(internal[0], KORVANE_LEAKY_MODULE_PATH)) << internal[0];
+    EXPECT_TRUE(Contains(internal[0], "\"LeakyModuleGadget\"")) << internal[0];
+}
+
+TEST(PluginLoader, LoadsTheColourModelPlugIn) {
+    const int callsBefore = PluginLoadingCalls();
+    PluginLoader loader;
+    ASSERT_EQ(loader.Load(KORVANE_COLOUR_MODULE_PATH), 0) << loader.Error();
+    EXPECT_EQ(loader.VersionId(), 263237);
+    EXPECT_EQ(LoadingModule(), loader.Module());
+    EXPECT_EQ(PluginLoadingCalls(), callsBefore + 1);
+    const std::vector<std::string> types = loader.RegisteredTypes();
+    loader.Unload();
+    for (const std::string& ident : types)
+        EXPECT_EQ(PlugType::Find(ident.c_str()), nullptr) << ident;
+    EXPECT_TRUE(Texts(ReportKind::InternalError).empty());
+}
