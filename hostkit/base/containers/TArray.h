@@ -194,9 +194,13 @@ T* TArray<T>::AllocateBlock(int n) const {
         return nullptr;
     if constexpr (kIsAlignableElement<T>) {
         if (alignment_ != 1) {
+            // Rounded up to a whole number of alignment units; an alignment below 1 leaves the
+            // size alone (Envi raises such an alignment to the pointer size).
             std::size_t bytes = Bytes(n);
-            const auto a = static_cast<std::size_t>(alignment_);
-            bytes = (bytes + a - 1) / a * a;
+            if (alignment_ > 1) {
+                const auto a = static_cast<std::size_t>(alignment_);
+                bytes = (bytes + a - 1) / a * a;
+            }
             return static_cast<T*>(Envi::AlignedMalloc(bytes, alignment_));
         }
     }
