@@ -1,0 +1,7 @@
+#include "hostkit/colormodel/ColorInterfaces.h"
+
+namespace Korvane {
+
+ColorCurves::~ColorCurves() = default;
+
+} // namespace Korvane
