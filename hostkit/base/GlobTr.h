@@ -12,9 +12,10 @@ namespace Translations {
 // Installs the translation of `text` under `context`; the first one installed stays (the
 // pointers handed out by GlobTr remain valid for the process).
 KOR_HOST_API void Add(const char* context, const char* text, const char* translation);
+// Forgets the lookup counts; installed translations stay.
+KOR_HOST_API void Clear();
 // How often (context, text) was looked up since the last Clear: lets a test see under which
 // context a library asks for a text.
-KOR_HOST_API void Clear();
 KOR_HOST_API int LookupCount(const char* context, const char* text);
 } // namespace Translations
 
