@@ -65,6 +65,16 @@ bool IsAligned(const void* p, std::size_t alignment) {
     return reinterpret_cast<std::uintptr_t>(p) % alignment == 0;
 }
 
+// A rows x cols matrix whose element (r, c) holds 10 r + c.
+TMatrix<double> Numbered(int rows, int cols) {
+    TMatrix<double> m;
+    EXPECT_EQ(m.Alloc(rows, cols), 0);
+    for (int r = 0; r < rows; ++r)
+        for (int c = 0; c < cols; ++c)
+            m(r, c) = 10 * r + c;
+    return m;
+}
+
 std::vector<double> Elements(const TMatrix<double>& m) {
     return std::vector<double>(m.Data(), m.Data() + m.Elements());
 }
@@ -312,10 +322,7 @@ TEST(TArrayFailures, FailedStorageLeavesEverythingAsItWas) {
 }
 
 TEST(TMatrix, AllocReshapesInPlaceWhenTheElementCountStays) {
-    TMatrix<double> m;
-    ASSERT_EQ(m.Alloc(3, 2), 0);
-    for (int i = 0; i < 6; ++i)
-        m.Data()[i] = i;
+    TMatrix<double> m = Numbered(3, 2);
     const double* storage = m.Data();
     {
         ScopedFailure watch(FaultInjection::MatrixStorage, 0); // counts, never fails
@@ -325,47 +332,36 @@ TEST(TMatrix, AllocReshapesInPlaceWhenTheElementCountStays) {
     EXPECT_EQ(m.Rows(), 2);
     EXPECT_EQ(m.Cols(), 3);
     EXPECT_EQ(m.Data(), storage);
-    EXPECT_EQ(Elements(m), (std::vector<double>{0, 1, 2, 3, 4, 5}));
-    EXPECT_EQ(m(1, 0), 3);
+    EXPECT_EQ(Elements(m), (std::vector<double>{0, 1, 10, 11, 20, 21}));
+    EXPECT_EQ(m(1, 0), 11);
 
     ASSERT_EQ(m.Alloc(4, 2), 0);
     EXPECT_EQ(m.Elements(), 8);
 }
 
 TEST(TMatrix, NegativeDimensionsAreRefused) {
-    TMatrix<double> m;
-    ASSERT_EQ(m.Alloc(2, 2), 0);
-    for (int i = 0; i < 4; ++i)
-        m.Data()[i] = i;
+    TMatrix<double> m = Numbered(2, 2);
     EXPECT_EQ(m.Alloc(-1, 2), -1);
     EXPECT_EQ(m.Alloc(2, -1), -1);
     EXPECT_EQ(m.Resize(-1, 2), -1);
     EXPECT_EQ(m.Resize(2, -1), -1);
     EXPECT_EQ(m.Rows(), 2);
     EXPECT_EQ(m.Cols(), 2);
-    EXPECT_EQ(Elements(m), (std::vector<double>{0, 1, 2, 3}));
+    EXPECT_EQ(Elements(m), (std::vector<double>{0, 1, 10, 11}));
 }
 
 TEST(TMatrix, ResizeKeepsTheOverlappingBlock) {
-    auto make = [](int rows, int cols) {
-        TMatrix<double> m;
-        EXPECT_EQ(m.Alloc(rows, cols), 0);
-        for (int r = 0; r < rows; ++r)
-            for (int c = 0; c < cols; ++c)
-                m(r, c) = 10 * r + c;
-        return m;
-    };
-    TMatrix<double> shrink = make(2, 2);
+    TMatrix<double> shrink = Numbered(2, 2);
     ASSERT_EQ(shrink.Resize(1, 1), 0);
     EXPECT_EQ(Elements(shrink), (std::vector<double>{0}));
 
-    TMatrix<double> grow = make(2, 2);
+    TMatrix<double> grow = Numbered(2, 2);
     ASSERT_EQ(grow.Resize(3, 4), 0);
     for (int r = 0; r < 2; ++r)
         for (int c = 0; c < 2; ++c)
             EXPECT_EQ(grow(r, c), 10 * r + c) << r << "," << c;
 
-    TMatrix<double> turn = make(2, 3); // the same count, another shape: block, not bytes
+    TMatrix<double> turn = Numbered(2, 3); // the same count, another shape: block, not bytes
     ASSERT_EQ(turn.Resize(3, 2), 0);
     EXPECT_EQ(turn(0, 1), 1);
     EXPECT_EQ(turn(1, 0), 10);
@@ -390,16 +386,13 @@ TEST(TMatrix, SwapExchangesStorageAndDimensions) {
 }
 
 TEST(TMatrix, FailedStorage) {
-    TMatrix<double> m;
-    ASSERT_EQ(m.Alloc(2, 2), 0);
-    for (int i = 0; i < 4; ++i)
-        m.Data()[i] = i;
+    TMatrix<double> m = Numbered(2, 2);
     const double* storage = m.Data();
     {
         ScopedFailure fail(FaultInjection::MatrixStorage, 1, true);
         EXPECT_EQ(m.Resize(3, 3), -1); // Resize leaves the matrix as it was
         EXPECT_EQ(m.Data(), storage);
-        EXPECT_EQ(Elements(m), (std::vector<double>{0, 1, 2, 3}));
+        EXPECT_EQ(Elements(m), (std::vector<double>{0, 1, 10, 11}));
         const TMatrix<double> copy(m);
         EXPECT_EQ(copy.Elements(), 0);
         EXPECT_EQ(m.Alloc(3, 3), -1); // Alloc has released the old storage first
