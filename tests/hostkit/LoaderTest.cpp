@@ -99,6 +99,14 @@ TEST(PluginLoader, RefusesWhatIsNotAPlugInWithoutRunningIt) {
     EXPECT_TRUE(Texts(ReportKind::Log).empty()); // its DllMain never ran
     EXPECT_FALSE(loader.IsLoaded());
 
+#if !defined(_WIN32) // on Windows a refused attach already fails the opening
+    ExpectRefused(loader, KORVANE_REFUSING_MODULE_PATH, LoadFailure::AttachRefused,
+                  "DllMain refused process attach");
+    EXPECT_EQ(Texts(ReportKind::Log),
+              (std::vector<std::string>{"RefusingModule DllMain 1", "RefusingModule DllMain 0"}));
+    EXPECT_EQ(PlugType::Find("RefusingModuleWidget"), nullptr);
+#endif
+
     // One module per loader: a second Load is refused and the first module stays.
     ASSERT_EQ(loader.Load(KORVANE_TEST_MODULE_PATH), 0) << loader.Error();
     EXPECT_TRUE(loader.Error().empty());

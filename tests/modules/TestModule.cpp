@@ -3,8 +3,9 @@
 // site) leaves a partially built state for TermClasses to take down. Every entry point logs one
 // line, so a test reads the order of the calls from the report log after the module is gone.
 //
-// Built twice: as the well-behaved module, and with KORVANE_TEST_MODULE_LEAKS defined as a module
-// whose TermClasses forgets its second type.
+// Built three times: as the well-behaved module; with KORVANE_TEST_MODULE_LEAKS defined as a
+// module whose TermClasses forgets its second type; with KORVANE_TEST_MODULE_REFUSES_ATTACH
+// defined as a module whose entry answers FALSE to process attach.
 #include "hostkit/base/Module.h"
 #include "hostkit/base/User.h"
 #include "hostkit/plugsys/PlugType.h"
@@ -46,7 +47,11 @@ KOR_PLUGIN_ENTRY Korvane::BOOL DllMain(Korvane::HINSTANCE module, unsigned long 
     if (reason == Korvane::kProcessAttach)
         Korvane::PluginLoading(module);
     Korvane::User()->LogMessage("%s DllMain %lu", KORVANE_TEST_MODULE_PREFIX, reason);
+#if defined(KORVANE_TEST_MODULE_REFUSES_ATTACH)
+    return reason == Korvane::kProcessAttach ? 0 : 1;
+#else
     return 1;
+#endif
 }
 
 KOR_PLUGIN_ENTRY int VersionId() {
