@@ -28,9 +28,11 @@ public:
     virtual int CloseGroup() = 0;
 
     virtual void Serialize(double& v) = 0;
+    // Integers. Reading one where the innermost group closes gives 0 and consumes nothing, without
+    // failing: the writer of an empty holder leaves its counts out, and the reader asks anyway.
     virtual void Serialize(std::int32_t& v) = 0;
     virtual void Serialize(std::int64_t& v) = 0;
-    // An array of n doubles in one exchange.
+    // An array of n doubles in one exchange; n = 0 exchanges nothing.
     virtual void Serialize(double* values, int n) = 0;
     // A named bool; when reading an archive that lacks the name, `flag` becomes `defaultValue`.
     virtual void Serialize(const char* name, bool& flag, bool defaultValue) = 0;
@@ -39,10 +41,12 @@ public:
 
     // An element count that the caller then allocates for, each element `valuesPerElement`
     // doubles. Reading refuses (fails, count 0) a negative count or one the rest of the input
-    // cannot hold, so a damaged count never reaches an allocation.
-    virtual void SerializeCount(std::int32_t& n, int valuesPerElement) = 0;
+    // cannot hold, so a damaged count never reaches an allocation. The count is stored as an
+    // int32 exchange followed by CanHold, so either way of reading it finds the same record.
+    virtual void SerializeCount(std::int32_t& n, int valuesPerElement);
     // Reading: whether the rest of the input can still hold `elements` elements of
-    // `valuesPerElement` doubles; when not, the archive fails. Writing: always true.
+    // `valuesPerElement` doubles; when not (a negative count included), the archive fails.
+    // Writing: always true.
     virtual bool CanHold(std::int64_t elements, int valuesPerElement) = 0;
 
     // Marks the archive failed for lack of memory (non-virtual, as in the host).
@@ -57,6 +61,10 @@ public:
 protected:
     // Enters the failed state; the first message is kept.
     void Fail(const std::string& message);
+    // Whether `elements` elements of `valuesPerElement` values (fewer than 1 counts as 1) fit in
+    // `bytesLeft` bytes when each value takes at least `bytesPerValue`; exact, no overflow.
+    static bool FitsIn(std::int64_t elements, int valuesPerElement, std::int64_t bytesLeft,
+                       int bytesPerValue);
 
 private:
     bool failed_ = false;
