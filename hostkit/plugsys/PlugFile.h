@@ -16,9 +16,11 @@ enum class ArchiveFormat { Binary, Text };
 
 namespace PlugFile {
 // Writes the plug; 0, or the code of the report made (the reason is in the report log).
-KOR_HOST_API int Save(const Plug& plug, const char* path, ArchiveFormat format = ArchiveFormat::Binary);
-// Reads a plug (the format is recognised from the file); an empty reference and `error` set on
-// failure.
+KOR_HOST_API int Save(const Plug& plug, const char* path,
+                      ArchiveFormat format = ArchiveFormat::Binary);
+// Reads a plug (the format is recognised from the file's first bytes) and calls its OnLoad with
+// the archive's format version. On failure: an empty reference, `error` naming the file and the
+// cause, nothing reported, and no partially read plug kept alive.
 KOR_HOST_API PlugRef Load(const char* path, std::string& error);
 } // namespace PlugFile
 
