@@ -9,6 +9,12 @@
 //
 // The static operations use the current converter (SetCurrent; the built-in CIE 1931 2-degree
 // converter when none is set), so every caller integrates against one observer.
+//
+// What depends only on the grid (integration weights, reconstruction matrices) is computed the
+// first time a converter sees a grid and kept for the converter's life, immutable, so several
+// threads may convert with one converter at once. Operations return 0, -1 for an empty grid,
+// lengths that do not match, or wavelengths that are not finite and strictly increasing, or the
+// code of ErrorNoMemory when the tables of a new grid cannot be allocated.
 #pragma once
 
 #include "hostkit/HostExport.h"
@@ -23,6 +29,8 @@ enum class Observer { CIE1931_2deg, CIE1964_10deg };
 
 class KOR_HOST_API CIEConv : public Plug {
 public:
+    CIEConv(const CIEConv&) = delete;
+    CIEConv& operator=(const CIEConv&) = delete;
     ~CIEConv() override;
 
     // M: (X, Y, Z) -> linear (R, G, B) of the converter's RGB space (sRGB primaries, D65 white).
@@ -32,6 +40,8 @@ public:
     // (kR, kG, kB): the middle row of N; Y = kR R + kG G + kB B.
     const TVect3<double>& LuminanceCoefs() const;
     Observer GetObserver() const;
+    // Number of wavelength grids whose tables this converter keeps (see the note above).
+    int CachedGrids() const;
 
     // Light: X = integral s(l) xbar(l) dl, likewise Y, Z (luminance is 683 Y). 0, or non-zero for
     // an empty grid or mismatched lengths (xyz set to 0).
@@ -71,7 +81,8 @@ public:
 
     // The converter the static operations use; never null.
     static const CIEConv* Current();
-    // Makes `conv` current (null: the built-in default). Configuration-time only.
+    // Makes `conv` current (null: the built-in default). The converter is not owned: the caller
+    // keeps it alive while it is current. Configuration-time only.
     static void SetCurrent(const CIEConv* conv);
 
 protected:

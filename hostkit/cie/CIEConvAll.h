@@ -3,12 +3,18 @@
 //
 // Reconstruction is linear in the input and exact on the target grid. Basis: the three sRGB
 // basis reflectances of Mallett and Yuksel (2019), linear between tabulated points and held at
-// their end values outside. Reflectance r = sum_c a_c B_c with a = A^-1 rgb, column c of A being
-// spectrum2rgbAttr of B_c on the grid; light s = D65 * sum_c a_c B_c with A built from Spectr2RGB
-// of D65 B_c. XYZ input goes through rgb = M xyz. A depends only on the grid and is cached per
-// grid (immutable entries, safe for concurrent conversions). When A is singular or
-// ill-conditioned (the grid cannot see three independent colours) the call returns non-zero and
-// writes zeros.
+// their end values outside, each row divided by its sum so that they sum to 1. Reflectance
+// r = sum_c a_c B_c with a = A^-1 rgb, column c of A being spectrum2rgbAttr of B_c sampled on the
+// grid; light s = D65 * sum_c a_c B_c with A built from Spectr2RGB of D65 B_c. So
+// spectrum2rgbAttr(RGB2SpectrumAttr(rgb)) and Spectr2RGB(RGB2Spectrum(rgb)) give rgb back to
+// rounding on every grid that can show three colours. XYZ input goes through rgb = M xyz. A depends
+// only on the grid and is kept per grid (immutable entries, safe for concurrent conversions).
+// When A is singular or ill-conditioned (reciprocal condition number below 2^-29: the grid does
+// not see three independent colours, e.g. one point or nothing inside 360..830 nm) the call
+// returns -1 and writes zeros.
+//
+// The output has one value per wavelength: a TArray is resized to the grid (ErrorNoMemory's code
+// when that fails); a view or a plain array must already have the grid's length (else -1).
 #pragma once
 
 #include "hostkit/cie/CIEConv.h"
@@ -18,7 +24,8 @@ namespace Korvane {
 
 class KOR_HOST_API CIEConvAll : public CIEConv {
 public:
-    // A new converter for the observer (the built-in default uses CIE 1931 2 degree), or null.
+    // A new converter for the observer (the built-in default uses CIE 1931 2 degree), with a
+    // count of 0 for the caller's PlugRef; null, after ErrorNoMemory, when memory runs out.
     static CIEConvAll* Create(Observer observer = Observer::CIE1931_2deg);
     // The built-in default converter, alive from host start to host end.
     static const CIEConvAll* Default();
@@ -50,7 +57,10 @@ protected:
 // The type of CIEConvAll plugs; it offers XYZ2Watts = RGB2Watts(M xyz) of the current converter.
 class KOR_HOST_API CIEConvAllType : public PlugType {
 public:
+    // Identifier "CIEConvAll"; its plugs are not stored in files.
     CIEConvAllType();
+    // A new converter with the default observer (Create), or null.
+    Plug* NewInstance() override;
     double XYZ2Watts(double X, double Y, double Z) const;
 };
 

@@ -1,0 +1,43 @@
+// CIEConv::Impl: the state of one converter: its observer's tables, the matrices of its RGB
+// space, the hull of its spectral locus, its per-grid tables and the radiant-power weights of
+// RGB2Watts. Shared by the CIEConv and CIEConvAll sources only.
+#pragma once
+
+#include "hostkit/cie/CIEConv.h"
+#include "hostkit/cie/GridCache.h"
+#include "hostkit/cie/SpectralLocus.h"
+
+namespace Korvane {
+
+struct CIEConv::Impl {
+    explicit Impl(Observer obs);
+
+    // The tables of `waves` for a spectrum of `count` values: 0, -1 for an empty grid, a length
+    // mismatch or an invalid grid, or the code of the no-memory report.
+    int Tables(const TArray<double>& waves, int count, Cie::GridTablesRef& out) const;
+
+    int LightXYZ(const TArray<double>& waves, const double* s, int count,
+                 TVect3<double>& xyz) const;
+    int ReflectanceXYZ(const TArray<double>& waves, const double* r, int count,
+                       TVect3<double>& xyz) const;
+    int ReflectanceRGB(const TArray<double>& waves, const double* r, int count,
+                       TVect3<double>& rgb) const;
+    // Samples of the reconstructed reflectance (or light) of rgb on the grid; zeros on failure.
+    int Reconstruct(const TVect3<double>& rgb, const TArray<double>& waves, double* out, int n,
+                    bool reflectance) const;
+
+    Observer observer;
+    const Cie::CmfTable& cmf;
+    TMatrix3 xyz2rgb{};
+    TMatrix3 rgb2xyz{};
+    TVect3<double> luminance{0.0, 0.0, 0.0};
+    Cie::SpectralLocus locus;
+    Cie::GridCache grids;
+    // RGB2Watts(rgb) = watts . rgb: the trapezoid integral over the 1 nm grid 360..830 of the
+    // light reconstruction rows.
+    TVect3<double> watts{0.0, 0.0, 0.0};
+    // False when the tables of the 1 nm grid could not be built (no memory).
+    bool ready = false;
+};
+
+} // namespace Korvane
