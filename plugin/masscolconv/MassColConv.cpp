@@ -1,0 +1,129 @@
+#include "plugin/masscolconv/MassColConv.h"
+
+#include <type_traits>
+
+namespace Korvane {
+namespace {
+
+// WeightsForLight hands the light RGB table out as TVect3<double> rows.
+static_assert(sizeof(RGBColourDistr<double>) == sizeof(TVect3<double>) &&
+                  std::is_standard_layout_v<RGBColourDistr<double>> &&
+                  std::is_standard_layout_v<TVect3<double>>,
+              "RGBColourDistr<double> must have the layout of TVect3<double>");
+
+constexpr int kGrowthStep = 10;
+// The bounds of the light RGB density are widened by this factor: the library's one relative
+// tolerance, the single-precision epsilon 2^-23.
+constexpr double kBoundsWidening = 1.0 + 1.192092896e-7;
+
+RGBColourDistr<double> ToDistr(const TVect3<double>& v) {
+    return {v.x, v.y, v.z};
+}
+
+RGBColourDistr<double> Scaled(const TVect3<double>& v, double f) {
+    return {v.x * f, v.y * f, v.z * f};
+}
+
+} // namespace
+
+MassColConv::MassColConv(const MArray<double>& waves, const CIEConv* conv)
+    : waves_(waves), conv_(const_cast<CIEConv*>(conv)), surfaceRGB_(kGrowthStep),
+      lightRGB_(kGrowthStep), lightRGBDensity_(kGrowthStep), lightXYZ_(kGrowthStep),
+      lightXYZDensity_(kGrowthStep), bounds_{}, zeroRGB_{0.0, 0.0, 0.0} {}
+
+MassColConv::MassColConv(const MassColConv& other)
+    : Plug(other), waves_(other.waves_), conv_(other.conv_), surfaceRGB_(other.surfaceRGB_),
+      lightRGB_(other.lightRGB_), lightRGBDensity_(other.lightRGBDensity_),
+      lightXYZ_(other.lightXYZ_), lightXYZDensity_(other.lightXYZDensity_), bounds_(other.bounds_),
+      zeroRGB_(other.zeroRGB_) {}
+
+MassColConv::~MassColConv() = default;
+
+int MassColConv::PrepareForLight() {
+    const int n = waves_.Count();
+    if (lightRGB_.Count() == n)
+        return 0;
+    if (lightRGB_.Alloc(n) != 0 || lightRGBDensity_.Alloc(n) != 0 || lightXYZ_.Alloc(n) != 0 ||
+        lightXYZDensity_.Alloc(n) != 0)
+        return -1;
+    TArray<double> spike(kGrowthStep);
+    MArray<double> inv(kGrowthStep);
+    if (spike.Alloc(n) != 0 || inv.Alloc(n) != 0)
+        return -1;
+
+    // Inverse trapezoid weights: half the span of the two neighbours inside, half the single
+    // step at either end; 1 on a one-point grid.
+    const MArray<double>& w = waves_;
+    if (n > 1) {
+        inv[0] = 1.0 / ((w[1] - w[0]) * 0.5);
+        for (int i = 1; i < n - 1; ++i)
+            inv[i] = 1.0 / ((w[i + 1] - w[i - 1]) * 0.5);
+        inv[n - 1] = 1.0 / ((w[n - 1] - w[n - 2]) * 0.5);
+    } else {
+        inv[0] = 1.0;
+    }
+
+    for (int c = 0; c < 3; ++c)
+        bounds_[c] = {1e10, -1e10};
+    const CIEConv* conv = Converter();
+    spike.Fill(0.0);
+    for (int i = 0; i < n; ++i) {
+        spike[i] = 1.0;
+        const TVect3<double> rgb = conv->Spectr2RGB(spike, waves_, false);
+        lightRGB_[i] = ToDistr(rgb);
+        lightRGBDensity_[i] = Scaled(rgb, inv[i]);
+        const TVect3<double> density{lightRGBDensity_[i].r, lightRGBDensity_[i].g,
+                                     lightRGBDensity_[i].b};
+        for (int c = 0; c < 3; ++c) {
+            if (density[c] < bounds_[c].lo)
+                bounds_[c].lo = density[c];
+            if (density[c] > bounds_[c].hi)
+                bounds_[c].hi = density[c];
+        }
+        TVect3<double> xyz{0.0, 0.0, 0.0};
+        CIEConv::spectrum2xyz(waves_, spike, xyz);
+        lightXYZ_[i] = ToDistr(xyz);
+        lightXYZDensity_[i] = Scaled(xyz, inv[i]);
+        spike[i] = 0.0;
+    }
+    // All six values, minima and maxima alike: a positive minimum grows, a negative maximum
+    // shrinks.
+    for (int c = 0; c < 3; ++c) {
+        bounds_[c].lo *= kBoundsWidening;
+        bounds_[c].hi *= kBoundsWidening;
+    }
+    return 0;
+}
+
+int MassColConv::PrepareForSurface() {
+    const int n = waves_.Count();
+    if (surfaceRGB_.Count() == n)
+        return 0;
+    TArray<double> spike(kGrowthStep);
+    if (surfaceRGB_.Alloc(n) != 0 || spike.Alloc(n) != 0)
+        return -1;
+    const CIEConv* conv = Converter();
+    spike.Fill(0.0);
+    for (int i = 0; i < n; ++i) {
+        spike[i] = 1.0;
+        surfaceRGB_[i] = ToDistr(conv->Spectr2RGBAttr(spike, waves_, false));
+        spike[i] = 0.0;
+    }
+    return 0;
+}
+
+const RGBColourDistr<double>& MassColConv::WeightForLight(int i) {
+    return PrepareForLight() == 0 ? lightRGB_[i] : zeroRGB_;
+}
+
+const RGBColourDistr<double>& MassColConv::WeightForSurface(int i) {
+    return PrepareForSurface() == 0 ? surfaceRGB_[i] : zeroRGB_;
+}
+
+const TVect3<double>* MassColConv::WeightsForLight() {
+    if (PrepareForLight() != 0)
+        return nullptr;
+    return reinterpret_cast<const TVect3<double>*>(lightRGB_.Data());
+}
+
+} // namespace Korvane
