@@ -5,4 +5,35 @@ namespace Korvane::Tol {
 
 // Results that are exact by construction (copies, bit-exact round trips) are compared with ==.
 
+// -- CIE converter ------------------------------------------------------------------------------
+
+// Integral of ybar (CIE 1931 2 deg, 360..830 nm), reference 106.8569 given to four decimals.
+inline constexpr double kYbarIntegral = 1e-4;
+// D65 white XYZ at Y = 100 against ASTM E308 (95.047, 100, 108.883): the reference has three
+// decimals and comes from plain 1 nm sums, which differ from the exact integral of the
+// interpolated tables by up to 1.5e-3 (Z).
+inline constexpr double kWhiteXYZ = 2e-3;
+// White chromaticities given to five decimals, from sums over other ranges and steps than the
+// exact 360..830 nm integral (CIE 15:2004 uses 5 nm sums over 380..780 nm: 7e-6 apart).
+inline constexpr double kWhiteChromaticity = 5e-5;
+// The three CIE 1931 integrals differ by up to 3.3e-4 relative, so an equal-energy spectrum lies
+// up to 4.5e-5 from (1/3, 1/3).
+inline constexpr double kEqualEnergyChromaticity = 1e-4;
+// M and N against the rational derivation rounded once to double: two 3x3 inversions of values
+// up to 3.3 in double precision, a few ulp (4.4e-16) each.
+inline constexpr double kDerivedMatrix = 1e-12;
+// M and N against the IEC 61966-2-1 matrices printed with four decimals: the printed pair differs
+// from the exact derivation by up to 3.7e-4.
+inline constexpr double kPublishedMatrix = 5e-4;
+// M N against the identity: each entry is three products of values up to 3.3, rounded.
+inline constexpr double kMatrixIdentity = 1e-14;
+// Relative error of a colour sent through a reconstruction and back, or of an integral taken on
+// two grids: a 3x3 solve with rcond near 1 and sums of up to a few hundred terms, each at
+// rounding level (1.1e-16); seen up to 1.0e-14 over 8000 colours on four grids.
+inline constexpr double kSpectralRoundTrip = 1e-12;
+// How far reflectances reconstructed from in-gamut RGB leave [0, 1] on the default 390..710 nm
+// grid: measured 6.40e-4 (red below 0, cyan above 1) over a 65^3 sampling of the sRGB cube; the
+// bound leaves room for a change of tables in the fourth digit.
+inline constexpr double kInGamutExcursion = 7e-4;
+
 } // namespace Korvane::Tol

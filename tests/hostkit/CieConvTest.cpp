@@ -1,0 +1,273 @@
+// The built-in CIE converter: published colorimetric values, the laws of exact integration, and
+// the tests of CIE coordinates.
+#include "hostkit/cie/CIEConvAll.h"
+#include "tables/Cie1931Cmf.h"
+#include "tables/CieD65.h"
+#include "tests/support/Tolerances.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <initializer_list>
+
+namespace Korvane {
+namespace {
+
+void Fill(TArray<double>& a, std::initializer_list<double> values) {
+    a.Alloc(static_cast<int>(values.size()));
+    int i = 0;
+    for (double v : values)
+        a[i++] = v;
+}
+
+void Range(TArray<double>& a, double first, double step, int n) {
+    a.Alloc(n);
+    for (int i = 0; i < n; ++i)
+        a[i] = first + step * i;
+}
+
+// D65 on the 1 nm grid 360..830 (rows 60.. of the 300..830 table).
+void D65Light(TArray<double>& waves, TArray<double>& s) {
+    Range(waves, 360.0, 1.0, 471);
+    s.Alloc(471);
+    for (int i = 0; i < 471; ++i)
+        s[i] = Data::CieD65::d65[60 + i];
+}
+
+TVect2<double> Chromaticity(const TVect3<double>& v) {
+    const double sum = v.x + v.y + v.z;
+    return {v.x / sum, v.y / sum};
+}
+
+TEST(CieReference, IntegralsOfTheTablesMatchPublishedValues) {
+    TArray<double> waves(10), s(10);
+    Range(waves, 360.0, 1.0, 471);
+    s.Alloc(471);
+    s.Fill(1.0);
+    TVect3<double> xyz;
+    ASSERT_EQ(CIEConv::spectrum2xyz(waves, s, xyz), 0);
+    // Sum of the 1 nm CIE 1931 ybar table (data/README.md).
+    EXPECT_NEAR(xyz.y, 106.8569, Tol::kYbarIntegral);
+    const TVect2<double> e = Chromaticity(xyz);
+    EXPECT_NEAR(e.x, 1.0 / 3.0, Tol::kEqualEnergyChromaticity);
+    EXPECT_NEAR(e.y, 1.0 / 3.0, Tol::kEqualEnergyChromaticity);
+
+    // D65 white: ASTM E308 (95.047, 100, 108.883); chromaticity of the 1 nm tables (0.31273,
+    // 0.32902), CIE 15:2004 (0.31272, 0.32903). As a light, and as the perfect white reflector.
+    D65Light(waves, s);
+    ASSERT_EQ(CIEConv::spectrum2xyz(waves, s, xyz), 0);
+    TVect3<double> white;
+    s.Fill(1.0);
+    ASSERT_EQ(CIEConv::spectrum2xyzAttr(waves, s, white), 0);
+    for (const TVect3<double>& v : {xyz, white}) {
+        const double k = 100.0 / v.y;
+        EXPECT_NEAR(v.x * k, 95.047, Tol::kWhiteXYZ);
+        EXPECT_NEAR(v.z * k, 108.883, Tol::kWhiteXYZ);
+        EXPECT_NEAR(Chromaticity(v).x, 0.31273, Tol::kWhiteChromaticity);
+        EXPECT_NEAR(Chromaticity(v).y, 0.32902, Tol::kWhiteChromaticity);
+    }
+}
+
+TEST(CieReference, TenDegreeObserverOnRequest) {
+    TPlugRef<CIEConvAll> conv = CIEConvAll::Create(Observer::CIE1964_10deg);
+    ASSERT_TRUE(conv.Get());
+    EXPECT_EQ(conv->GetObserver(), Observer::CIE1964_10deg);
+    EXPECT_EQ(CIEConvAll::Default()->GetObserver(), Observer::CIE1931_2deg);
+    TArray<double> waves(10), s(10);
+    D65Light(waves, s);
+    // The static operations follow the current converter. CIE 15:2004: D65, 10 deg
+    // (0.31382, 0.33100).
+    CIEConv::SetCurrent(conv.Get());
+    TVect3<double> xyz;
+    const int status = CIEConv::spectrum2xyz(waves, s, xyz);
+    CIEConv::SetCurrent(nullptr);
+    ASSERT_EQ(status, 0);
+    EXPECT_NEAR(Chromaticity(xyz).x, 0.31382, Tol::kWhiteChromaticity);
+    EXPECT_NEAR(Chromaticity(xyz).y, 0.33100, Tol::kWhiteChromaticity);
+    EXPECT_EQ(CIEConv::Current(), CIEConvAll::Default());
+}
+
+TEST(CieReference, SRGBMatricesFromPrimariesAndWhite) {
+    const CIEConv* conv = CIEConv::Current();
+    const TMatrix3& m = conv->XYZ2RGB();
+    const TMatrix3& n = conv->RGB2XYZ();
+    // data/srgb_constants.md, section 3 (exact rational derivation) and section 2 (IEC 61966-2-1).
+    const double derivedM[3][3] = {{3.2409699419045213, -1.5373831775700935, -0.4986107602930033},
+                                   {-0.9692436362808798, 1.8759675015077206, 0.04155505740717561},
+                                   {0.05563007969699361, -0.20397695888897657, 1.0569715142428786}};
+    const double derivedN[3][3] = {{0.4123907992659595, 0.35758433938387796, 0.1804807884018343},
+                                   {0.21263900587151036, 0.7151686787677559, 0.07219231536073371},
+                                   {0.01933081871559185, 0.11919477979462599, 0.9505321522496606}};
+    const double iecM[3][3] = {
+        {3.2406, -1.5372, -0.4986}, {-0.9689, 1.8758, 0.0415}, {0.0557, -0.2040, 1.0570}};
+    const double iecN[3][3] = {
+        {0.4124, 0.3576, 0.1805}, {0.2126, 0.7152, 0.0722}, {0.0193, 0.1192, 0.9505}};
+    for (int r = 0; r < 3; ++r) {
+        for (int c = 0; c < 3; ++c) {
+            EXPECT_NEAR(m[r][c], derivedM[r][c], Tol::kDerivedMatrix);
+            EXPECT_NEAR(n[r][c], derivedN[r][c], Tol::kDerivedMatrix);
+            EXPECT_NEAR(m[r][c], iecM[r][c], Tol::kPublishedMatrix);
+            EXPECT_NEAR(n[r][c], iecN[r][c], Tol::kPublishedMatrix);
+            const double mn = m[r][0] * n[0][c] + m[r][1] * n[1][c] + m[r][2] * n[2][c];
+            EXPECT_NEAR(mn, r == c ? 1.0 : 0.0, Tol::kMatrixIdentity);
+        }
+        EXPECT_EQ(conv->LuminanceCoefs()[r], n[1][r]);
+    }
+}
+
+TEST(CieIntegration, FlatReflectanceIsWhiteOnEveryGrid) {
+    TArray<double> waves(10), r(10);
+    const auto check = [&](const char* what) {
+        r.Alloc(waves.Count());
+        r.Fill(1.0);
+        TVect3<double> rgb, xyz;
+        ASSERT_EQ(CIEConv::Current()->spectrum2rgbAttr(waves, r, rgb), 0) << what;
+        EXPECT_EQ(rgb, TVect3<double>(1.0, 1.0, 1.0)) << what;
+        EXPECT_EQ(CIEConv::Current()->Spectr2RGBAttr(r, waves, false), rgb) << what;
+        ASSERT_EQ(CIEConv::spectrum2xyzAttr(waves, r, xyz), 0) << what;
+        EXPECT_EQ(xyz.y, 1.0) << what;
+    };
+    Range(waves, 390.0, 10.0, 33);
+    check("default grid");
+    Range(waves, 380.0, 10.0, 41);
+    check("380..780");
+    Range(waves, 360.0, 1.0, 471);
+    check("1 nm");
+    Fill(waves, {301.5, 395.0, 420.25, 433.0, 470.0, 512.0, 560.0, 655.0, 700.0, 901.0});
+    check("uneven, beyond the tables");
+    Fill(waves, {555.0});
+    check("one point");
+}
+
+TEST(CieIntegration, XYZUnchangedWhenResampledOntoAFinerGrid) {
+    TArray<double> w(10), s(10), fw(10), fs(10);
+    Fill(w, {380.0, 395.0, 420.0, 433.0, 470.0, 500.0, 512.0, 560.0, 600.0, 655.0, 700.0, 780.0});
+    const int n = w.Count();
+    s.Alloc(n);
+    for (int i = 0; i < n; ++i)
+        s[i] = 1.0 + std::sin(w[i] / 37.0);
+    // Every old wavelength, plus three inside each interval (off the 1 nm steps of the tables).
+    fw.Alloc(4 * (n - 1) + 1);
+    fs.Alloc(fw.Count());
+    for (int i = 0; i + 1 < n; ++i) {
+        const double t[4] = {0.0, 0.13, 0.5, 0.71};
+        for (int k = 0; k < 4; ++k) {
+            fw[4 * i + k] = w[i] + t[k] * (w[i + 1] - w[i]);
+            fs[4 * i + k] = (1.0 - t[k]) * s[i] + t[k] * s[i + 1];
+        }
+    }
+    fw[fw.Count() - 1] = w[n - 1];
+    fs[fs.Count() - 1] = s[n - 1];
+    TVect3<double> a, b, ra, rb;
+    ASSERT_EQ(CIEConv::spectrum2xyz(w, s, a), 0);
+    ASSERT_EQ(CIEConv::spectrum2xyz(fw, fs, b), 0);
+    ASSERT_EQ(CIEConv::spectrum2xyzAttr(w, s, ra), 0);
+    ASSERT_EQ(CIEConv::spectrum2xyzAttr(fw, fs, rb), 0);
+    for (int c = 0; c < 3; ++c) {
+        EXPECT_NEAR(b[c], a[c], a[c] * Tol::kSpectralRoundTrip);
+        EXPECT_NEAR(rb[c], ra[c], ra[c] * Tol::kSpectralRoundTrip);
+    }
+}
+
+TEST(CieIntegration, OnePointGridIsABandOfOneNanometre) {
+    TArray<double> w(10), s(10);
+    Fill(w, {550.0});
+    Fill(s, {2.0});
+    TVect3<double> xyz;
+    ASSERT_EQ(CIEConv::spectrum2xyz(w, s, xyz), 0);
+    // The integral of the interpolated table over [549.5, 550.5], rows 189..191.
+    const double* y = Data::Cie1931Cmf::ybar;
+    EXPECT_NEAR(xyz.y, 2.0 * (0.125 * y[189] + 0.75 * y[190] + 0.125 * y[191]),
+                xyz.y * Tol::kSpectralRoundTrip);
+    double grey = 0.0;
+    ASSERT_EQ(CIEConv::spectrum2bw(w, s, grey), 0);
+    EXPECT_EQ(grey, 2.0);
+}
+
+TEST(CieIntegration, GreyRGBAndCurves) {
+    TArray<double> w(10), s(10);
+    Fill(w, {400.0, 500.0, 700.0});
+    Fill(s, {0.25, 0.25, 0.25});
+    double grey = 0.0;
+    ASSERT_EQ(CIEConv::spectrum2bw(w, s, grey), 0);
+    EXPECT_NEAR(grey, 0.25, 0.25 * Tol::kSpectralRoundTrip);
+
+    Fill(s, {1.0, 3.0, 2.0});
+    const TVect3<double> rgb = CIEConv::Current()->Spectr2RGB(s, w, false);
+    const TVect3<double> unit = CIEConv::Current()->Spectr2RGB(s, w, true);
+    const double sum = rgb.x + rgb.y + rgb.z;
+    EXPECT_EQ(unit, TVect3<double>(rgb.x / sum, rgb.y / sum, rgb.z / sum));
+
+    // No c4: the trapezoid weights of the grid, 50, 150, 100 nm.
+    TArray<double> c1(10), c2(10), c3(10), c4(10);
+    Fill(c1, {1.0, 0.0, 0.0});
+    Fill(c2, {0.0, 1.0, 0.0});
+    Fill(c3, {1.0, 1.0, 1.0});
+    TVect3<double> out;
+    ASSERT_EQ(CIEConv::spectrum2rgbByCurves(w, s, c1, c2, c3, c4, out), 0);
+    EXPECT_EQ(out, TVect3<double>(50.0, 450.0, 50.0 + 450.0 + 200.0));
+    Fill(c4, {2.0, 2.0, 2.0});
+    ASSERT_EQ(CIEConv::spectrum2rgbByCurves(w, s, c1, c2, c3, c4, out), 0);
+    EXPECT_EQ(out, TVect3<double>(2.0, 6.0, 12.0));
+}
+
+TEST(CieIntegration, RefusesGridsItCannotRead) {
+    TArray<double> w(10), s(10);
+    TVect3<double> xyz{7.0, 7.0, 7.0};
+    EXPECT_NE(CIEConv::spectrum2xyz(w, s, xyz), 0); // empty
+    EXPECT_EQ(xyz, TVect3<double>(0.0, 0.0, 0.0));
+    Fill(w, {400.0, 500.0, 600.0});
+    Fill(s, {1.0, 1.0});
+    EXPECT_NE(CIEConv::spectrum2xyz(w, s, xyz), 0); // lengths differ
+    Fill(w, {400.0, 400.0});
+    EXPECT_NE(CIEConv::spectrum2xyz(w, s, xyz), 0); // not increasing
+    Fill(w, {400.0, NAN});
+    EXPECT_NE(CIEConv::spectrum2xyz(w, s, xyz), 0);
+    // Beyond 830 nm nothing is seen: light is black, reflectance and grey are undefined.
+    Fill(w, {850.0, 900.0});
+    EXPECT_EQ(CIEConv::spectrum2xyz(w, s, xyz), 0);
+    EXPECT_EQ(xyz, TVect3<double>(0.0, 0.0, 0.0));
+    double grey = 1.0;
+    EXPECT_NE(CIEConv::spectrum2xyzAttr(w, s, xyz), 0);
+    EXPECT_NE(CIEConv::spectrum2bw(w, s, grey), 0);
+    EXPECT_EQ(grey, 0.0);
+    EXPECT_TRUE(ReportLog::Entries().empty());
+}
+
+TEST(CieCoordinates, ClipRGBScale) {
+    TVect3<double> v{-0.2, 0.5, 2.0};
+    EXPECT_TRUE(CIEConv::ClipRGBScale(v));
+    EXPECT_EQ(v, TVect3<double>(0.0, 0.25, 1.0));
+    v = {0.2, 0.0, 1.0};
+    EXPECT_FALSE(CIEConv::ClipRGBScale(v));
+    EXPECT_EQ(v, TVect3<double>(0.2, 0.0, 1.0));
+    v = {-1.0, 0.5, 0.0};
+    EXPECT_TRUE(CIEConv::ClipRGBScale(v));
+    EXPECT_EQ(v, TVect3<double>(0.0, 0.5, 0.0));
+}
+
+TEST(CieCoordinates, ValidityFollowsTheSpectralLocus) {
+    const CIEConv* conv = CIEConv::Current();
+    const double* x = Data::Cie1931Cmf::xbar;
+    const double* y = Data::Cie1931Cmf::ybar;
+    const double* z = Data::Cie1931Cmf::zbar;
+    // 520 nm (row 160) is a corner of the locus: on it is valid, a step outward is not.
+    const TVect2<double> c = Chromaticity({x[160], y[160], z[160]});
+    EXPECT_TRUE(conv->IsValidXY(c.x, c.y));
+    EXPECT_FALSE(conv->IsValidXY(c.x - 1e-3, c.y + 1e-3));
+    // The purple line closes the locus: at x = 0.4 it passes near y = 0.11.
+    EXPECT_TRUE(conv->IsValidXY(0.4, 0.15));
+    EXPECT_FALSE(conv->IsValidXY(0.4, 0.05));
+    EXPECT_TRUE(conv->IsValidXY(0.3127, 0.3290));
+    EXPECT_FALSE(conv->IsValidXY(0.0, 0.0));
+    EXPECT_TRUE(conv->IsValidXYY(0.3127, 0.3290, 0.0));
+    EXPECT_FALSE(conv->IsValidXYY(0.3127, 0.3290, -1e-9));
+    EXPECT_TRUE(conv->IsValidXYZ(0.0, 0.0, 0.0));
+    EXPECT_TRUE(conv->IsValidXYZ(0.95047, 1.0, 1.08883));
+    EXPECT_FALSE(conv->IsValidXYZ(1.0, 0.0, 0.0)); // y = 0
+    EXPECT_FALSE(conv->IsValidXYZ(0.5, 1.0, -0.1));
+    EXPECT_FALSE(conv->IsValidXYZ(NAN, 1.0, 1.0));
+}
+
+} // namespace
+} // namespace Korvane
