@@ -329,30 +329,24 @@ void TextSerializer::Serialize(double& v) {
 }
 
 void TextSerializer::Serialize(std::int32_t& v) {
-    std::string_view rest;
-    if (!reading_) {
-        PutLine(groups_.size(), "int32 " + std::to_string(v));
-    } else if (!Failed() && AtGroupEnd()) {
-        v = 0; // a count that the writer left out
-    } else if (Expect("int32", rest)) {
-        if (ParseInt(rest, v))
-            Next();
-        else
-            FailHere("not an int32: " + Found(Peek()));
-    }
+    ExchangeInt(v, "int32");
+}
+void TextSerializer::Serialize(std::int64_t& v) {
+    ExchangeInt(v, "int64");
 }
 
-void TextSerializer::Serialize(std::int64_t& v) {
+template <class Int>
+void TextSerializer::ExchangeInt(Int& v, const char* keyword) {
     std::string_view rest;
     if (!reading_) {
-        PutLine(groups_.size(), "int64 " + std::to_string(v));
+        PutLine(groups_.size(), std::string(keyword) + " " + std::to_string(v));
     } else if (!Failed() && AtGroupEnd()) {
         v = 0; // a count that the writer left out
-    } else if (Expect("int64", rest)) {
+    } else if (Expect(keyword, rest)) {
         if (ParseInt(rest, v))
             Next();
         else
-            FailHere("not an int64: " + Found(Peek()));
+            FailHere(std::string("not an ") + keyword + ": " + Found(Peek()));
     }
 }
 

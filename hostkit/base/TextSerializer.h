@@ -70,6 +70,10 @@ private:
     // Writing.
     void PutLine(std::size_t depth, const std::string& content);
 
+    // Both directions of an integer record.
+    template <class Int>
+    void ExchangeInt(Int& v, const char* keyword);
+
     // Reading.
     void CheckFrame();
     Line Peek() const;
