@@ -6,6 +6,11 @@
 //
 // Operations that can fail return an int: 0 on success, otherwise the code of the report made
 // (User()), or -1 where no report is made.
+//
+// Lifetime rule: the plug-in that made a model is unloaded after its TermClasses, so the host
+// never holds the last reference to a plug-in's model. The host's registry (ColorModelType) and
+// its implicit-model slot keep plain pointers; the destructor takes the model out of the
+// registry and clears the implicit slot when it names this model.
 #pragma once
 
 #include "hostkit/base/Vectors.h"
@@ -41,7 +46,7 @@ public:
     virtual const MArray<double>& GetWaveLengths() const; // base: an empty grid
     // Base: `other` is not null and has the same ObjType.
     virtual bool IsEqual(const ColorModel* other) const;
-    // Base: makes this model the host's implicit colour model.
+    // Base: makes this model the host's implicit colour model (a plain pointer, see above).
     virtual void SetAsImplicit();
     virtual MassColConv* GetMassColConv() const; // base: null
 
@@ -67,8 +72,7 @@ public:
                              ISurfColor& to) const = 0;
     virtual int ConvertColor(const ColorModel* src, const IScalarColor& from,
                              IScalarColor& to) const = 0;
-    virtual int ConvertColor(const ColorModel* src, const ILgtColor& from,
-                             ILgtColor& to) const = 0;
+    virtual int ConvertColor(const ColorModel* src, const ILgtColor& from, ILgtColor& to) const = 0;
 
     // -- plain arrays in and out ---------------------------------------------------------------
     virtual void SetSurfColor(ISurfColor& c, const double* values) const = 0;
@@ -96,7 +100,7 @@ public:
     virtual void LgtColorToRGBByCurves(const ILgtColor& c, const ColorCurves& curves,
                                        TVect3<double>& rgb) const = 0;
 
-    // -- arithmetic --------------------------------------------------------------------------------
+    // -- arithmetic -------------------------------------------------------------------------------
     virtual void FillColor(ILgtColor& c, double value) const = 0;
     virtual void FillColor(IRayColor& c, double value) const = 0;
     virtual void AddLgtColor(const ILgtColor& from, ILgtColor& to) const = 0;
@@ -126,7 +130,7 @@ public:
     virtual Holder<ISurfColor>* NewSurfColorHold() const = 0;
     virtual Holder<IDualLgtColor>* NewDualLgtColorHold() const = 0;
 
-    // -- rays --------------------------------------------------------------------------------------
+    // -- rays -------------------------------------------------------------------------------------
     // Base: this model's light ConvertColor from `src` into the light part of the ray colour;
     // the X-orientation is left as it is.
     virtual int ConvertToRayColor(const ColorModel* src, const ILgtColor& from,
@@ -137,18 +141,27 @@ public:
                                           IRayColor& to) const = 0;
     // Base: LgtColorToXYZ, then xy = (X/S, Y/S) with S = X+Y+Z, or (0, 0) when S is exactly 0;
     // luminance = 683 Y.
-    virtual void GetChromaticity(const ILgtColor& c, double& luminance,
-                                 TVect2<double>& xy) const;
-    // Base: stores the converter process-wide (see SetCurrentCIEConvAll).
+    virtual void GetChromaticity(const ILgtColor& c, double& luminance, TVect2<double>& xy) const;
+    // Base: makes `conv` the host's current converter, process-wide: GetCIEConvAll() returns it
+    // and GetCIEConv() returns it as a CIEConv (null: GetCIEConvAll() is null and GetCIEConv() the
+    // built-in default). The converter is not owned; the caller keeps it alive while current.
+    // Models that cache converter tables override this, call the base and rebuild.
     virtual void SetCIEConvAll(const CIEConvAll* conv);
 
     // -- the current converter -------------------------------------------------------------------
-    // Always present: the current CIEConvAll when one is set, else the built-in default.
+    // Always present: the current CIEConvAll when one is set, else the built-in default
+    // (CIEConv::Current()).
     static const CIEConv* GetCIEConv();
-    // May be null (a host that runs without a full converter).
+    // May be null (a host that runs without a full converter). At host start it is the built-in
+    // default CIEConvAll::Default().
     static const CIEConvAll* GetCIEConvAll();
-    // The host's implicit colour model (null before any SetAsImplicit).
+    // The host's implicit colour model: null before any SetAsImplicit and after that model died.
     static ColorModel* GetImplicitModel();
+
+private:
+    friend class ColorModelType;
+    // The process-wide store behind the SetCIEConvAll slot.
+    static void StoreCIEConvAll(const CIEConvAll* conv);
 };
 
 } // namespace Korvane
