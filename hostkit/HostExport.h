@@ -11,3 +11,10 @@
 #else
 #define KOR_HOST_API __attribute__((visibility("default")))
 #endif
+
+// printf-style argument checking of report functions where the compiler offers it.
+#if defined(__GNUC__) || defined(__clang__)
+#define KOR_PRINTF_FORMAT(fmt, first) __attribute__((format(printf, fmt, first)))
+#else
+#define KOR_PRINTF_FORMAT(fmt, first)
+#endif

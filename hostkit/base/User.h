@@ -36,10 +36,10 @@ public:
 class KOR_HOST_API IUser {
 public:
     virtual ~IUser();
-    virtual int InternalError(const char* format, ...) __attribute__((format(printf, 2, 3)));
+    virtual int InternalError(const char* format, ...) KOR_PRINTF_FORMAT(2, 3);
     virtual int ErrorMessageEx(const char* format, const char* message);
     virtual int ErrorNoMemory(long long size);
-    virtual void LogMessage(const char* format, ...) __attribute__((format(printf, 2, 3)));
+    virtual void LogMessage(const char* format, ...) KOR_PRINTF_FORMAT(2, 3);
 
 protected:
     // Records the report and hands it to the sink; the base of every slot above.
