@@ -60,7 +60,7 @@ CIEConv::Impl::Impl(Observer obs)
     for (int i = 0; i < Cie::kCmfCount; ++i) {
         const double trap = TrapezoidWeight(w, Cie::kCmfCount, i);
         for (int k = 0; k < 3; ++k)
-            watts[k] += trap * t->reconLight[Cie::kRow * i + k];
+            watts[k] += trap * t->reconLight[k * Cie::kCmfCount + i];
     }
     ready = true;
 }

@@ -9,7 +9,14 @@
 
 namespace Korvane {
 
-struct CIEConv::Impl {
+// Internal to the host library: hidden, so that calls between its parts stay direct.
+#if defined(__GNUC__)
+#define KOR_CIE_INTERNAL __attribute__((visibility("hidden")))
+#else
+#define KOR_CIE_INTERNAL
+#endif
+
+struct KOR_CIE_INTERNAL CIEConv::Impl {
     explicit Impl(Observer obs);
 
     // The tables of `waves` for a spectrum of `count` values: 0, -1 for an empty grid, a length

@@ -93,14 +93,15 @@ bool IsValidGrid(const double* w, int n) {
     return true;
 }
 
-// Rows of sum_c basis_c(i) * inv[c][k]: the samples of sum_c a_c B_c with a = inv . rgb, scaled
-// per sample by `scale` (D65 for lights, 1 for reflectances).
+// Plane k, sample i: sum_c basis_c(i) inv[c][k], so that sum_k plane_k rgb_k samples
+// sum_c a_c B_c with a = inv . rgb; scaled per sample by `scale` (D65 for lights, 1 for
+// reflectances).
 void FillReconstruction(const TMatrix3& inv, const double* basis, const double* scale, int n,
-                        double* rows) {
-    for (int i = 0; i < n; ++i)
-        for (int k = 0; k < 3; ++k)
-            rows[kRow * i + k] = scale[i] * (basis[i] * inv.m[0][k] + basis[n + i] * inv.m[1][k] +
-                                             basis[2 * n + i] * inv.m[2][k]);
+                        double* planes) {
+    for (int k = 0; k < 3; ++k)
+        for (int i = 0; i < n; ++i)
+            planes[k * n + i] = scale[i] * (basis[i] * inv.m[0][k] + basis[n + i] * inv.m[1][k] +
+                                            basis[2 * n + i] * inv.m[2][k]);
 }
 
 bool Solvable(const TMatrix3& a, TMatrix3& inv) {

@@ -7,10 +7,11 @@
 // linear between their 1 nm samples, so between merged break points h_i cmf is quadratic and
 // h_i D65 cmf cubic, and Simpson's rule on each such piece gives W_i exactly.
 //
-// Per sample the tables hold rows of four channels (the fourth is 0, so that a weighted sum runs
-// over whole rows): the light weights integral h_i (xbar, ybar, zbar), the reflectance weights
-// integral h_i D65 (xbar, ybar, zbar), and the rows of the reflectance and light reconstructions
-// (CIEConvAll.h): the reconstructed sample i of a colour rgb is row_i . rgb.
+// Per sample the weights are rows of four channels (the fourth is 0, so that a weighted sum runs
+// over whole rows and vectorises across channels): integral h_i (xbar, ybar, zbar) for lights,
+// integral h_i D65 (xbar, ybar, zbar) for reflectances. The reconstructions (CIEConvAll.h) are
+// three planes of n values, one per input channel: sample i of the spectrum of rgb is
+// plane_r[i] r + plane_g[i] g + plane_b[i] b, a loop over i like any plain array loop.
 #pragma once
 
 #include "hostkit/base/Vectors.h"
@@ -35,8 +36,8 @@ struct GridTables {
     const double* waves = nullptr;            // the grid, n values
     const double* light = nullptr;            // n rows
     const double* reflectance = nullptr;      // n rows
-    const double* reconReflectance = nullptr; // n rows
-    const double* reconLight = nullptr;       // n rows
+    const double* reconReflectance = nullptr; // 3 planes of n
+    const double* reconLight = nullptr;       // 3 planes of n
     double lightY = 0.0;                      // integral of ybar over the grid's range
     double reflectanceY = 0.0;                // integral of D65 ybar over the grid's range
     TVect3<double> whiteRGB{0.0, 0.0, 0.0};   // M . XYZ of the perfect white reflector
@@ -94,12 +95,14 @@ inline bool ReflectanceRGB(const GridTables& t, const TMatrix3& xyz2rgb, const d
     return true;
 }
 
-// Sample i of the spectrum reconstructed from rgb with reconstruction rows `rows`.
-inline void Reconstruct(const double* rows, int n, const TVect3<double>& rgb, double* out) {
-    for (int i = 0; i < n; ++i) {
-        const double* row = rows + kRow * i;
-        out[i] = row[0] * rgb.x + row[1] * rgb.y + row[2] * rgb.z;
-    }
+// The samples of the spectrum reconstructed from rgb with the three reconstruction planes.
+inline void Reconstruct(const double* planes, int n, const TVect3<double>& rgb, double* out) {
+    const double r = rgb.x, g = rgb.y, b = rgb.z;
+    const double* pr = planes;
+    const double* pg = planes + n;
+    const double* pb = planes + 2 * n;
+    for (int i = 0; i < n; ++i)
+        out[i] = pr[i] * r + pg[i] * g + pb[i] * b;
 }
 
 } // namespace Korvane::Cie
