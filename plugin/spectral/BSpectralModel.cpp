@@ -138,11 +138,14 @@ int BSpectralModel::SerializeGrid(Serializer& s) {
         s.Serialize(waves_.Data(), waves_.Count());
     const int closed = s.CloseGroup();
     s.Serialize("EquiDistant", equidistant_, false);
-    if (s.IsReading() && !s.Failed() && !CheckWaves(waves_, nullptr)) {
-        s.SetDataError(waves_.Count() == 0 ? "Wavelengths: the stored grid is empty"
-                                           : "Wavelengths: the stored grid is not a valid grid "
-                                             "(wavelengths must be positive and increasing)");
-        waves_.Realloc(0);
+    if (s.IsReading()) {
+        if (!s.Failed() && !CheckWaves(waves_, nullptr))
+            s.SetDataError(waves_.Count() == 0 ? "Wavelengths: the stored grid is empty"
+                                               : "Wavelengths: the stored grid is not a valid "
+                                                 "grid (wavelengths must be positive and "
+                                                 "increasing)");
+        if (s.Failed()) // nothing half-read is kept: a grid cut short holds unread values
+            waves_.Realloc(0);
     }
     return s.Failed() ? -1 : closed;
 }

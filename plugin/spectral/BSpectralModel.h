@@ -51,7 +51,8 @@ public:
     // Reads or writes the grid: group "Wavelengths" with the element count (omitted when 0)
     // and the wavelengths, then the named flag "EquiDistant". Weights are never stored; OnLoad
     // rebuilds them. A stored grid that is empty or not a valid grid is refused: the archive
-    // fails with a message and the model keeps an empty grid.
+    // fails with a message. Whenever a read fails the model keeps an empty grid, never one cut
+    // short.
     int SerializeGrid(Serializer& s);
 
     // Shortcuts to the implicit spectral model; each requires that one has been set.
