@@ -1,0 +1,42 @@
+// BWModel<Pol>: conversions of colours of any model into BW colours. Included by BWModel.cpp.
+#pragma once
+
+namespace Korvane {
+
+template <class Pol>
+int BWModel<Pol>::ConvertColor(const ColorModel*, const ISurfColor&, ISurfColor&) const {
+    return NotAvailable(ClassName(), "ConvertColor(surface)");
+}
+
+template <class Pol>
+int BWModel<Pol>::ConvertColor(const ColorModel*, const IScalarColor&, IScalarColor&) const {
+    return NotAvailable(ClassName(), "ConvertColor(scalar)");
+}
+
+template <class Pol>
+int BWModel<Pol>::ConvertColor(const ColorModel*, const ILgtColor&, ILgtColor&) const {
+    return NotAvailable(ClassName(), "ConvertColor(light)");
+}
+
+template <class Pol>
+int BWModel<Pol>::ConvertToRayColor(const ColorModel*, const ILgtColor&, IRayColor&) const {
+    return NotAvailable(ClassName(), "ConvertToRayColor");
+}
+
+template <class Pol>
+void BWModel<Pol>::RGBConvertToRayColor(const TVect3<double>&, IRayColor&) const {
+    NotAvailable<void>(ClassName(), "RGBConvertToRayColor");
+}
+
+template <class Pol>
+void BWModel<Pol>::RGBConvertToSurfaceColor(const TVect3<double>&, ISurfColor&) const {
+    NotAvailable<void>(ClassName(), "RGBConvertToSurfaceColor");
+}
+
+template <class Pol>
+int BWModel<Pol>::SpectralConvertToRayColor(const ColorModel*, const MArray<double>&,
+                                            IRayColor&) const {
+    return NotAvailable(ClassName(), "SpectralConvertToRayColor");
+}
+
+} // namespace Korvane

@@ -1,0 +1,110 @@
+// RGBModel<Pol>: identity and construction, and the one place where both instantiations are
+// made. The operations are grouped by theme in the RGB*.inl files included below.
+#include "plugin/models/RGBModel.h"
+
+#include "hostkit/base/User.h"
+#include "plugin/colour/ColourValues.h"
+#include "plugin/frame/LibraryObjects.h"
+#include "plugin/models/ColourAccess.h"
+#include "plugin/models/NotAvailable.h"
+
+namespace Korvane {
+namespace {
+
+constexpr int kRGBKindBit = 32;
+
+template <class Pol>
+constexpr ModelKind kRGBKind = Pol::kIsPolarized ? ModelKind::StkRGB : ModelKind::URGB;
+
+// RGB models made by the default constructor since the library was loaded, both polarizations
+// together; never decremented.
+int gRGBModelsCreated = 0;
+
+} // namespace
+
+const char* BRGBModel::Tag() {
+    return "RGB";
+}
+
+template <class Pol>
+RGBModel<Pol>::RGBModel() {
+    if (PlugType* type = ClassType())
+        this->SetName(type->Ident().c_str());
+    ++gRGBModelsCreated;
+    User()->LogMessage("RGB color model %d is created", gRGBModelsCreated);
+}
+
+template <class Pol>
+RGBModel<Pol>::RGBModel(const RGBModel& other)
+    : BRGBModel(other), FixedColourModel<RGBModel<Pol>>(other) {}
+
+template <class Pol>
+RGBModel<Pol>::~RGBModel() = default;
+
+template <class Pol>
+PlugType* RGBModel<Pol>::ClassType() {
+    return Library::Slot(kRGBKind<Pol>).type;
+}
+
+template <class Pol>
+RGBModel<Pol>* RGBModel<Pol>::GetModel() {
+    return static_cast<RGBModel*>(Library::Slot(kRGBKind<Pol>).model.Get());
+}
+
+template <class Pol>
+PlugType* RGBModel<Pol>::ObjType() const {
+    return ClassType();
+}
+
+template <class Pol>
+const char* RGBModel<Pol>::ClassName() {
+    return Pol::kIsPolarized ? "RGBModel<StokesPolarization>" : "RGBModel<Unpolarized>";
+}
+
+template <class Pol>
+int RGBModel<Pol>::GetModelCode() const {
+    return kRGBKindBit + Pol::kPolarizationBit;
+}
+
+template <class Pol>
+bool RGBModel<Pol>::HasPolarization() const {
+    return Pol::kIsPolarized;
+}
+
+template <class Pol>
+bool RGBModel<Pol>::IsRGB() const {
+    return true;
+}
+
+template <class Pol>
+int RGBModel<Pol>::NWaves() const {
+    return 3;
+}
+
+template <class Pol>
+bool RGBModel<Pol>::IsEqual(const ColorModel* other) const {
+    return other != nullptr && other->ObjType() == ClassType();
+}
+
+// Polarized, the first NWaves doubles of the colour are cleared rather than set: that is the
+// RGB model's answer to a ranged set on Stokes data, kept as it is.
+template <class Pol>
+void RGBModel<Pol>::SetRangedColor(ILgtColor& c, const double* values) const {
+    auto& colour = ColourAccess::Value<RGBModel>(c);
+    for (int k = 0; k < NWaves(); ++k)
+        colour[k] = Pol::kIsPolarized ? 0.0 : values[k];
+}
+
+} // namespace Korvane
+
+#include "plugin/models/RGBArithmetic.inl"
+#include "plugin/models/RGBConversions.inl"
+#include "plugin/models/RGBDisplay.inl"
+#include "plugin/models/RGBHolders.inl"
+
+namespace Korvane {
+
+template class RGBModel<Unpolarized>;
+template class RGBModel<StokesPolarization>;
+
+} // namespace Korvane
