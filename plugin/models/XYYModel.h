@@ -1,0 +1,96 @@
+// XYYModel: the CIE xyY colour model. Every colour kind is the triple (x, y, Y) of chromaticity
+// and luminance; the model exists only without polarization. Its colours are the values of
+// RGBModel<Unpolarized>, (x, y, Y) in the places of (r, g, b), so it shares that model's holders
+// and the slots that only move values in and out of colours
+// (FixedColourModel<RGBModel<Unpolarized>>).
+#pragma once
+
+#include "hostkit/colormodel/ColorModel.h"
+#include "plugin/PluginExport.h"
+#include "plugin/models/FixedColourModel.h"
+
+namespace Korvane {
+
+class KOR_PLUGIN_API XYYModel : public FixedColourModel<RGBModel<Unpolarized>> {
+public:
+    // Ranges (0, 1); the name is the identifier of the model's type.
+    XYYModel();
+    XYYModel(const XYYModel& other);
+    ~XYYModel() override;
+
+    // The model's type and singleton, held by the library-wide objects; null while unregistered.
+    static PlugType* ClassType();
+    static XYYModel* GetModel();
+
+    PlugType* ObjType() const override;
+
+    // -- identity ----------------------------------------------------------------------------
+    int GetModelCode() const override; // 256 + 1 (no polarization): 257
+    bool IsXYY() const override;
+    int NWaves() const override; // 3
+    // True when `other` is a model of this model's type.
+    bool IsEqual(const ColorModel* other) const override;
+
+    // The three values are copied in, as in the RGB model whose values this model uses.
+    void SetRangedColor(ILgtColor& c, const double* values) const override;
+
+    // -- conversions -------------------------------------------------------------------------
+    int ConvertColor(const ColorModel* src, const ISurfColor& from, ISurfColor& to) const override;
+    int ConvertColor(const ColorModel* src, const IScalarColor& from,
+                     IScalarColor& to) const override;
+    int ConvertColor(const ColorModel* src, const ILgtColor& from, ILgtColor& to) const override;
+    int ConvertToRayColor(const ColorModel* src, const ILgtColor& from,
+                          IRayColor& to) const override;
+    void RGBConvertToRayColor(const TVect3<double>& rgb, IRayColor& to) const override;
+    void RGBConvertToSurfaceColor(const TVect3<double>& rgb, ISurfColor& to) const override;
+    int SpectralConvertToRayColor(const ColorModel* src, const MArray<double>& spectrum,
+                                  IRayColor& to) const override;
+
+    // -- energy, arithmetic and validity -----------------------------------------------------
+    bool IsValidSurfColor(const ISurfColor& c) const override;
+    bool IsValidLgtColor(const ILgtColor& c) const override;
+    int ClampSurfColor(ISurfColor& c) const override;
+    void ClampLgtColor(ILgtColor& c) const override;
+    void AddLgtToArray(const ILgtColor& c, double* out) const override;
+    void AddRayToArray(const IRayColor& c, double* out) const override;
+    double RayEnergy(const ILgtColor& c) const override;
+    double LgtLuminance(const ILgtColor& c) const override;
+    double SumLgtValues(const ILgtColor& c) const override;
+    double RayEnergy(const IRayColor& c) const override;
+    void AddLgtColor(const ILgtColor& from, ILgtColor& to) const override;
+    void MulLgtColorByArray(ILgtColor& c, const double* factors) const override;
+    void ScaleLgtColor(ILgtColor& c, double factor) const override;
+    void MulLgtColorByRatio(ILgtColor& c, const double* a, const double* b) const override;
+    void NormalizeLgtColor(ILgtColor& c) const override;
+    void NormalizeLgtColor(IRayColor& c) const override;
+    void AddScaledLgt(const ILgtColor& from, double f, ILgtColor& to) const override;
+    void AddScaledLgt2(const IRayColor& from, double f, IRayColor& to) const override;
+    void AddScaledLgt3(const IRayColor& from, double f, ILgtColor& to) const override;
+    double SumLgtColor(const ILgtColor& c) const override;
+
+    // -- display -----------------------------------------------------------------------------
+    void SurfColorToRGB(const ISurfColor& c, TVect3<double>& rgb) const override;
+    void ScalarColorToRGB(const IScalarColor& c, TVect3<double>& rgb) const override;
+    int LgtColorToDisplayRGB(const ILgtColor& c, TVect3<double>& rgb) const override;
+    void LgtColorToRGBByCurves(const ILgtColor& c, const ColorCurves& curves,
+                               TVect3<double>& rgb) const override;
+    int LgtColorToRGB(const ILgtColor& c, TVect3<double>& rgb, bool normalize,
+                      bool clampNegative) const override;
+    int LgtColorToXYZ(const ILgtColor& c, TVect3<double>& xyz) const override;
+    void GetChromaticity(const ILgtColor& c, double& luminance, TVect2<double>& xy) const override;
+
+    // -- holders -----------------------------------------------------------------------------
+    Holder<ILgtColor>* NewLgtColorHold() const override;
+    ArrayLgtColorHolder* NewArrayLgtColorHold(int n) const override;
+    MatrixLgtColorHolder* NewMatrixLgtColorHold() const override;
+    Holder<IRayColor>* NewRayColorHold() const override;
+    ArrayRayColorHolder* NewArrayRayColorHold() const override;
+    Holder<IScalarColor>* NewScalarColorHold() const override;
+    Holder<ISurfColor>* NewSurfColorHold() const override;
+    Holder<IDualLgtColor>* NewDualLgtColorHold() const override;
+
+private:
+    static const char* ClassName(); // "XYYModel", for reports
+};
+
+} // namespace Korvane
