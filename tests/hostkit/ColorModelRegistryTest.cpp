@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 using namespace Korvane;
 using Korvane::Testing::TestModel;
 
@@ -14,70 +12,52 @@ namespace {
 
 struct NamedModel : TestModel {
     NamedModel(PlugType* type, const char* name) : TestModel(type) { SetName(name); }
-};
-
-// Records every converter its slot receives, then lets the base store it.
-struct RecordingModel : NamedModel {
-    using NamedModel::NamedModel;
+    // Records every converter the slot receives, then lets the base store it.
     void SetCIEConvAll(const CIEConvAll* conv) override {
         received.push_back(conv);
-        NamedModel::SetCIEConvAll(conv);
+        TestModel::SetCIEConvAll(conv);
     }
     std::vector<const CIEConvAll*> received;
 };
 
-bool Listed(const ColorModel* m) {
-    const auto all = TColorModel->Models();
-    return std::count(all.begin(), all.end(), m) == 1;
-}
-
 } // namespace
 
-TEST(ColorModelRegistry, ListsFindsByNameAndRefusesDuplicates) {
+TEST(ColorModelRegistry, ListsInOrderFindsByNameAndRefusesDuplicates) {
     PlugType type("TestModel", TColorModel, false, nullptr);
     NamedModel a(&type, "A"), b(&type, "B");
     const std::size_t before = TColorModel->Models().size();
-
     ASSERT_EQ(TColorModel->AddColorModel(&a), 0);
     ASSERT_EQ(TColorModel->AddColorModel(&b), 0);
-    const auto all = TColorModel->Models();
-    ASSERT_EQ(all.size(), before + 2);
-    EXPECT_EQ(all[before], &a); // registration order
-    EXPECT_EQ(all[before + 1], &b);
-    EXPECT_EQ(TColorModel->FindModel("B"), &b);
-    EXPECT_EQ(TColorModel->FindModel("C"), nullptr);
-    EXPECT_EQ(TColorModel->FindModel(nullptr), nullptr);
-
     EXPECT_EQ(TColorModel->AddColorModel(&a), kInternalErrorCode);
     EXPECT_EQ(TColorModel->AddColorModel(nullptr), kInternalErrorCode);
     EXPECT_EQ(ReportLog::Count(), 2u);
-    EXPECT_TRUE(Listed(&a));
+
+    const auto all = TColorModel->Models();
+    ASSERT_EQ(all.size(), before + 2); // a listed once
+    EXPECT_EQ(all[before], &a);
+    EXPECT_EQ(all[before + 1], &b);
+    EXPECT_EQ(TColorModel->FindModel("B"), &b);
+    EXPECT_EQ(TColorModel->FindModel("C"), nullptr);
 }
 
 TEST(ColorModelRegistry, HoldsNoReferenceAndForgetsADestroyedModel) {
     PlugType type("TestModel", TColorModel, false, nullptr);
-    TPlugRef<TestModel> owner = new TestModel(&type);
+    TPlugRef<NamedModel> owner = new NamedModel(&type, "Owned");
     ASSERT_EQ(TColorModel->AddColorModel(owner.Get()), 0);
     EXPECT_EQ(owner->RefCount(), 1); // the owner's reference is the last one
-    owner->SetName("Owned");
-
-    ColorModel* const raw = owner.Get();
     owner = nullptr;
-    EXPECT_FALSE(Listed(raw));
     EXPECT_EQ(TColorModel->FindModel("Owned"), nullptr);
     EXPECT_EQ(ReportLog::Count(), 0u); // leaving the registry is silent
 }
 
 TEST(ColorModelRegistry, NewConverterReachesEveryListedModel) {
     PlugType type("TestModel", TColorModel, false, nullptr);
-    RecordingModel a(&type, "A"), b(&type, "B"), unlisted(&type, "C");
+    NamedModel a(&type, "A"), b(&type, "B"), unlisted(&type, "C");
     ASSERT_EQ(TColorModel->AddColorModel(&a), 0);
     ASSERT_EQ(TColorModel->AddColorModel(&b), 0);
-
     TColorModel->SetCIEConvAllForAll(nullptr);
     EXPECT_EQ(ColorModel::GetCIEConvAll(), nullptr);
-    TColorModel->SetCIEConvAllForAll(CIEConvAll::Default());
-    EXPECT_EQ(ColorModel::GetCIEConvAll(), CIEConvAll::Default());
+    TColorModel->SetCIEConvAllForAll(CIEConvAll::Default()); // back to the host-start state
 
     const std::vector<const CIEConvAll*> expected{nullptr, CIEConvAll::Default()};
     EXPECT_EQ(a.received, expected);
@@ -87,20 +67,16 @@ TEST(ColorModelRegistry, NewConverterReachesEveryListedModel) {
 
 TEST(ColorModelImplicit, FollowsSetAsImplicitAndIsClearedWhenThatModelDies) {
     PlugType type("TestModel", TColorModel, false, nullptr);
-    ASSERT_EQ(ColorModel::GetImplicitModel(), nullptr);
+    TestModel a(&type);
     {
-        TestModel a(&type);
-        {
-            TestModel b(&type);
-            b.SetAsImplicit();
-            EXPECT_EQ(ColorModel::GetImplicitModel(), &b);
-        }
-        EXPECT_EQ(ColorModel::GetImplicitModel(), nullptr);
-        a.SetAsImplicit();
-        { TestModel other(&type); }
-        EXPECT_EQ(ColorModel::GetImplicitModel(), &a); // another model's death leaves it
+        TestModel b(&type);
+        b.SetAsImplicit();
+        EXPECT_EQ(ColorModel::GetImplicitModel(), &b);
     }
     EXPECT_EQ(ColorModel::GetImplicitModel(), nullptr);
+    a.SetAsImplicit();
+    { TestModel other(&type); }
+    EXPECT_EQ(ColorModel::GetImplicitModel(), &a); // another model's death leaves it
 }
 
 namespace {
@@ -112,10 +88,7 @@ struct RayArray : ArrayRayColorHolder {
 } // namespace
 
 TEST(HostTypes, ExistFromHostStartWithTheirIdentifiers) {
-    const struct {
-        const PlugType* type;
-        const char* ident;
-    } expected[] = {
+    const std::pair<const PlugType*, const char*> expected[] = {
         {TColorModel, "ColorModel"},
         {Holder<ILgtColor>::ClassType(), "LgtColorHolder"},
         {Holder<IRayColor>::ClassType(), "RayColorHolder"},
@@ -126,11 +99,10 @@ TEST(HostTypes, ExistFromHostStartWithTheirIdentifiers) {
         {TMatrixLgtColorHolder, "MatrixLgtColorHolder"},
         {TArrayRayColorHolder, "ArrayRayColorHolder"},
     };
-    for (const auto& e : expected) {
-        ASSERT_NE(e.type, nullptr) << e.ident;
-        EXPECT_EQ(e.type->Ident(), e.ident);
-        EXPECT_EQ(PlugType::Find(e.ident), e.type);
-        EXPECT_EQ(e.type->Parent(), nullptr) << e.ident;
+    for (const auto& [type, ident] : expected) {
+        ASSERT_NE(type, nullptr) << ident;
+        EXPECT_EQ(PlugType::Find(ident), type);
+        EXPECT_EQ(type->Parent(), nullptr) << ident;
     }
     EXPECT_EQ(RayArray().ObjType(), TArrayRayColorHolder);
 }
