@@ -58,12 +58,9 @@ TEST(MassColConv, TablesSumToTheConvertersColours) {
     ASSERT_EQ(CIEConv::spectrum2xyz(grid, s, direct), 0);
     ExpectNearColour(xyz, direct);
     ExpectNearColour(surf, conv->Spectr2RGBAttr(s, grid, false));
-    // Densities: the rows over the trapezoid weight, 5 nm at the ends and 10 nm inside.
-    EXPECT_EQ(Vec(mass->LightRGBDensity()[0]).y, Vec(mass->LightRGB()[0]).y * (1.0 / 5.0));
-    EXPECT_EQ(Vec(mass->LightXYZDensity()[7]).z, Vec(mass->LightXYZ()[7]).z * (1.0 / 10.0));
 }
 
-TEST(MassColConv, BoundsAreTheDensityRangeWidenedByTheExactFactor) {
+TEST(MassColConv, BoundsAreTheDensityRangeWidenedExactly) {
     MArray<double> grid;
     Range(grid, 380.0, 10.0, 41);
     TPlugRef<MassColConv> mass = new MassColConv(grid, CIEConvAll::Default());
@@ -79,12 +76,10 @@ TEST(MassColConv, BoundsAreTheDensityRangeWidenedByTheExactFactor) {
     }
     // Red goes negative for blue-green light, so its minimum grows in magnitude.
     EXPECT_LT(mass->BoundsOfRayRGB()[0].lo, 0.0);
-}
 
-TEST(MassColConv, OnePointGridHasUnitInverseWeight) {
-    MArray<double> grid;
+    // A one-point grid has inverse weight 1: the densities are the rows themselves.
     Range(grid, 550.0, 0.0, 1);
-    TPlugRef<MassColConv> mass = new MassColConv(grid, CIEConvAll::Default());
+    mass = new MassColConv(grid, CIEConvAll::Default());
     const RGBColourDistr<double>& row = mass->WeightForLight(0);
     EXPECT_EQ(Vec(mass->LightRGBDensity()[0]), Vec(row));
     EXPECT_EQ(Vec(mass->LightXYZDensity()[0]), Vec(mass->LightXYZ()[0]));
@@ -122,10 +117,7 @@ TEST(MassColConv, PreparesLazilyAndOnce) {
     // A copy shares the converter and carries the tables.
     TPlugRef<MassColConv> copy = new MassColConv(*mass.Get());
     EXPECT_EQ(conv->RefCount(), 3);
-    EXPECT_EQ(copy->LightRGB().Count(), 33);
     EXPECT_EQ(Vec(copy->LightXYZ()[9]), Vec(mass->LightXYZ()[9]));
-    EXPECT_EQ(copy->BoundsOfRayRGB()[2].hi, mass->BoundsOfRayRGB()[2].hi);
-    EXPECT_EQ(copy->Wavelengths(), grid);
 }
 
 TEST(MassColConv, PreparationWithoutMemory) {
@@ -141,17 +133,13 @@ TEST(MassColConv, PreparationWithoutMemory) {
             EXPECT_EQ(mass->WeightsForLight(), nullptr);
             EXPECT_EQ(Vec(mass->WeightForLight(3)), TVect3<double>(0.0, 0.0, 0.0));
         } else {
-            // Light RGB has its rows, so the next call takes the preparation as done.
+            // Light RGB has its rows, so the next call takes the preparation as done and
+            // leaves the other tables as they are.
             EXPECT_EQ(mass->PrepareForLight(), 0) << "allocation " << k;
+            EXPECT_EQ(mass->LightRGBDensity().Count(), k == 2 ? 0 : 33);
         }
     }
     TPlugRef<MassColConv> mass = new MassColConv(grid, CIEConvAll::Default());
-    {
-        FaultInjection::ScopedFailure fail(FaultInjection::ArrayStorage, 2);
-        EXPECT_EQ(mass->PrepareForLight(), -1);
-    }
-    EXPECT_EQ(mass->PrepareForLight(), 0);
-    EXPECT_EQ(mass->LightRGBDensity().Count(), 0);
     {
         FaultInjection::ScopedFailure fail(FaultInjection::ArrayStorage, 1, true);
         EXPECT_EQ(mass->PrepareForSurface(), -1);
