@@ -72,7 +72,7 @@ int CIEConv::Impl::Tables(const TArray<double>& waves, int count, Cie::GridTable
     Cie::GridStatus status;
     out = grids.Get(waves.Data(), n, status);
     if (status == Cie::GridStatus::NoMemory)
-        return User()->ErrorNoMemory(static_cast<long long>(sizeof(double)) * n * 17);
+        return User()->ErrorNoMemory(static_cast<long long>(Cie::GridTablesBytes(n)));
     return out ? 0 : -1;
 }
 
@@ -118,6 +118,13 @@ int CIEConv::Impl::Reconstruct(const TVect3<double>& rgb, const TArray<double>& 
         for (int i = 0; i < n; ++i)
             out[i] = 0.0;
     return status;
+}
+
+int CIEConv::Impl::ReconstructInto(const TVect3<double>& rgb, const TArray<double>& waves,
+                                   TArray<double>& out, bool reflectance) const {
+    if (out.Alloc(waves.Count()) != 0)
+        return User()->ErrorNoMemory(static_cast<long long>(sizeof(double)) * waves.Count());
+    return Reconstruct(rgb, waves, out.Data(), out.Count(), reflectance);
 }
 
 CIEConv::CIEConv(Observer observer) : impl_(new (std::nothrow) Impl(observer)) {}

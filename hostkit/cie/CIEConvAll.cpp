@@ -56,9 +56,7 @@ int CIEConvAll::RGB2Spectrum(const TVect3<double>& rgb, const TArray<double>& wa
 
 int CIEConvAll::RGB2Spectrum(const TVect3<double>& rgb, const TArray<double>& waves,
                              TArray<double>& out) const {
-    if (out.Alloc(waves.Count()) != 0)
-        return User()->ErrorNoMemory(static_cast<long long>(sizeof(double)) * waves.Count());
-    return impl_->Reconstruct(rgb, waves, out.Data(), out.Count(), false);
+    return impl_->ReconstructInto(rgb, waves, out, false);
 }
 
 int CIEConvAll::RGB2Spectrum(const TVect3<double>& rgb, const TArray<double>& waves,
@@ -73,9 +71,7 @@ int CIEConvAll::RGB2SpectrumAttr(const TVect3<double>& rgb, const TArray<double>
 
 int CIEConvAll::RGB2SpectrumAttr(const TVect3<double>& rgb, const TArray<double>& waves,
                                  TArray<double>& out) const {
-    if (out.Alloc(waves.Count()) != 0)
-        return User()->ErrorNoMemory(static_cast<long long>(sizeof(double)) * waves.Count());
-    return impl_->Reconstruct(rgb, waves, out.Data(), out.Count(), true);
+    return impl_->ReconstructInto(rgb, waves, out, true);
 }
 
 int CIEConvAll::XYZ2Spectrum(const TVect3<double>& xyz, const TArray<double>& waves,

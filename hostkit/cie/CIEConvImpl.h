@@ -32,6 +32,9 @@ struct KOR_CIE_INTERNAL CIEConv::Impl {
     // Samples of the reconstructed reflectance (or light) of rgb on the grid; zeros on failure.
     int Reconstruct(const TVect3<double>& rgb, const TArray<double>& waves, double* out, int n,
                     bool reflectance) const;
+    // The same into `out`, first sized to the grid (ErrorNoMemory's code when that fails).
+    int ReconstructInto(const TVect3<double>& rgb, const TArray<double>& waves, TArray<double>& out,
+                        bool reflectance) const;
 
     Observer observer;
     const Cie::CmfTable& cmf;

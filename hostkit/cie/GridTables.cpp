@@ -118,7 +118,7 @@ GridTables* BuildGridTables(const double* waves, int n, const CmfTable& cmf,
     }
     const auto un = static_cast<std::size_t>(n);
     std::unique_ptr<GridTables> t(new (std::nothrow) GridTables);
-    double* block = t ? new (std::nothrow) double[un * (1 + 4 * kRow)]() : nullptr;
+    double* block = t ? new (std::nothrow) double[GridTablesBytes(n) / sizeof(double)]() : nullptr;
     // Scratch: a row of ones, the basis sampled on the grid, and the basis times D65.
     std::unique_ptr<double[]> scratch(block ? new (std::nothrow) double[un * 8] : nullptr);
     if (!scratch) {

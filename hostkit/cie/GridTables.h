@@ -49,6 +49,11 @@ struct GridTables {
 
 enum class GridStatus { Ok, BadGrid, NoMemory };
 
+// Bytes of the tables of an n-point grid: the grid and four tables of n rows.
+inline std::size_t GridTablesBytes(int n) {
+    return static_cast<std::size_t>(n) * (1 + 4 * kRow) * sizeof(double);
+}
+
 // The tables for a grid (n >= 1, finite, strictly increasing), for the colour-matching functions
 // `cmf` and the RGB space of M = `xyz2rgb`. Null with the status when the grid is not valid or
 // memory runs out.

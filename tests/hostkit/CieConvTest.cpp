@@ -32,6 +32,20 @@ void Range(TArray<double>& a, double first, double step, int n) {
         a[i] = first + step * i;
 }
 
+// Runs check(name) with `w` set to the default grid, 380..780 nm at 10 nm, 360..830 nm at 1 nm,
+// and an uneven grid.
+template <class Check>
+void OnEveryGrid(TArray<double>& w, Check check) {
+    Range(w, 390.0, 10.0, 33);
+    check("default grid");
+    Range(w, 380.0, 10.0, 41);
+    check("380..780");
+    Range(w, 360.0, 1.0, 471);
+    check("1 nm");
+    Fill(w, {380.0, 395.0, 420.25, 433.0, 470.0, 500.0, 512.0, 560.0, 600.0, 655.0, 700.0, 780.0});
+    check("uneven");
+}
+
 // D65 on the 1 nm grid 360..830 (rows 60.. of the 300..830 table).
 void D65Light(TArray<double>& waves, TArray<double>& s) {
     Range(waves, 360.0, 1.0, 471);
@@ -130,12 +144,7 @@ TEST(CieIntegration, FlatReflectanceIsWhiteOnEveryGrid) {
         ASSERT_EQ(CIEConv::spectrum2xyzAttr(waves, r, xyz), 0) << what;
         EXPECT_EQ(xyz.y, 1.0) << what;
     };
-    Range(waves, 390.0, 10.0, 33);
-    check("default grid");
-    Range(waves, 380.0, 10.0, 41);
-    check("380..780");
-    Range(waves, 360.0, 1.0, 471);
-    check("1 nm");
+    OnEveryGrid(waves, check);
     Fill(waves, {301.5, 395.0, 420.25, 433.0, 470.0, 512.0, 560.0, 655.0, 700.0, 901.0});
     check("uneven, beyond the tables");
     Fill(waves, {555.0});
@@ -289,14 +298,7 @@ TEST(CieReconstruction, RoundTripsOnEveryGrid) {
         for (double v : s)
             EXPECT_NEAR(v, 1.0, Tol::kSpectralRoundTrip) << grid;
     };
-    Range(w, 390.0, 10.0, 33);
-    check("default grid");
-    Range(w, 380.0, 10.0, 41);
-    check("380..780");
-    Range(w, 360.0, 1.0, 471);
-    check("1 nm");
-    Fill(w, {380.0, 395.0, 420.0, 433.0, 470.0, 500.0, 512.0, 560.0, 600.0, 655.0, 700.0, 780.0});
-    check("uneven");
+    OnEveryGrid(w, check);
 }
 
 TEST(CieReconstruction, FailsCleanlyWithoutThreeIndependentColours) {
