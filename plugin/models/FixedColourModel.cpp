@@ -73,6 +73,13 @@ void FixedColourModel<M>::SetLgtColor(ILgtColor& c, const double* values) const 
 }
 
 template <class M>
+void FixedColourModel<M>::SetRangedColor(ILgtColor& c, const double* values) const {
+    auto& colour = Value<M>(c);
+    for (int k = 0; k < NWaves(); ++k)
+        colour[k] = HasPolarization() ? 0.0 : values[k];
+}
+
+template <class M>
 void FixedColourModel<M>::SurfToArray(const ISurfColor& c, double* out) const {
     ColourAccess::GetValues(Value<M>(c), out);
 }

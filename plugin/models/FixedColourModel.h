@@ -37,6 +37,9 @@ public:
     void SetScalarColor(IScalarColor& c, const double* values) const override;
     void SetFromFloats(ILgtColor& c, const float* values) const override;
     void SetLgtColor(ILgtColor& c, const double* values) const override;
+    // The first NWaves values of the colour: copied from `values`, or, for a polarized model,
+    // set to 0 (the RGB model's answer to a ranged set on Stokes data, kept as it is).
+    void SetRangedColor(ILgtColor& c, const double* values) const override;
     // Every value of the colour into `out`, in layout order.
     void SurfToArray(const ISurfColor& c, double* out) const override;
     void ScalarToArray(const IScalarColor& c, double* out) const override;

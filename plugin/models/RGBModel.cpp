@@ -5,7 +5,6 @@
 #include "hostkit/base/User.h"
 #include "plugin/colour/ColourValues.h"
 #include "plugin/frame/LibraryObjects.h"
-#include "plugin/models/ColourAccess.h"
 #include "plugin/models/NotAvailable.h"
 
 namespace Korvane {
@@ -79,20 +78,6 @@ bool RGBModel<Pol>::IsRGB() const {
 template <class Pol>
 int RGBModel<Pol>::NWaves() const {
     return 3;
-}
-
-template <class Pol>
-bool RGBModel<Pol>::IsEqual(const ColorModel* other) const {
-    return other != nullptr && other->ObjType() == ClassType();
-}
-
-// Polarized, the first NWaves doubles of the colour are cleared rather than set: that is the
-// RGB model's answer to a ranged set on Stokes data, kept as it is.
-template <class Pol>
-void RGBModel<Pol>::SetRangedColor(ILgtColor& c, const double* values) const {
-    auto& colour = ColourAccess::Value<RGBModel>(c);
-    for (int k = 0; k < NWaves(); ++k)
-        colour[k] = Pol::kIsPolarized ? 0.0 : values[k];
 }
 
 } // namespace Korvane

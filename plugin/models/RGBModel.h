@@ -38,12 +38,6 @@ public:
     bool HasPolarization() const override;
     bool IsRGB() const override;
     int NWaves() const override; // 3
-    // True when `other` is a model of this model's type.
-    bool IsEqual(const ColorModel* other) const override;
-
-    // Unpolarized: the three values are copied in. Polarized: the first three doubles of the
-    // colour (S0, S1, S2 of the red channel) become 0.
-    void SetRangedColor(ILgtColor& c, const double* values) const override;
 
     // -- conversions -------------------------------------------------------------------------
     int ConvertColor(const ColorModel* src, const ISurfColor& from, ISurfColor& to) const override;

@@ -2,7 +2,6 @@
 #include "plugin/models/XYYModel.h"
 
 #include "plugin/frame/LibraryObjects.h"
-#include "plugin/models/ColourAccess.h"
 
 namespace Korvane {
 namespace {
@@ -46,14 +45,6 @@ bool XYYModel::IsXYY() const {
 
 int XYYModel::NWaves() const {
     return 3;
-}
-
-bool XYYModel::IsEqual(const ColorModel* other) const {
-    return other != nullptr && other->ObjType() == ClassType();
-}
-
-void XYYModel::SetRangedColor(ILgtColor& c, const double* values) const {
-    ColourAccess::SetValues(ColourAccess::Value<XYYModel>(c), values);
 }
 
 } // namespace Korvane

@@ -2,7 +2,6 @@
 #include "plugin/models/XYZModel.h"
 
 #include "plugin/frame/LibraryObjects.h"
-#include "plugin/models/ColourAccess.h"
 
 namespace Korvane {
 namespace {
@@ -46,14 +45,6 @@ bool XYZModel::IsXYZ() const {
 
 int XYZModel::NWaves() const {
     return 3;
-}
-
-bool XYZModel::IsEqual(const ColorModel* other) const {
-    return other != nullptr && other->ObjType() == ClassType();
-}
-
-void XYZModel::SetRangedColor(ILgtColor& c, const double* values) const {
-    ColourAccess::SetValues(ColourAccess::Value<XYZModel>(c), values);
 }
 
 } // namespace Korvane

@@ -27,11 +27,6 @@ public:
     int GetModelCode() const override; // 128 + 1 (no polarization): 129
     bool IsXYZ() const override;
     int NWaves() const override; // 3
-    // True when `other` is a model of this model's type.
-    bool IsEqual(const ColorModel* other) const override;
-
-    // The three values are copied in, as in the RGB model whose values this model uses.
-    void SetRangedColor(ILgtColor& c, const double* values) const override;
 
     // -- conversions -------------------------------------------------------------------------
     int ConvertColor(const ColorModel* src, const ISurfColor& from, ISurfColor& to) const override;
