@@ -4,8 +4,9 @@
 // A sampled spectrum is read as the piecewise-linear function through its samples over
 // [first, last wavelength] of its grid and zero outside; a one-point grid is one sample with a
 // band of 1 nm. Integrals against the colour-matching functions (linear between their 1 nm
-// samples, zero outside 360..830 nm) are exact for that reading (Simpson's rule on each interval
-// between merged break points of two piecewise-linear functions).
+// samples, zero outside 360..830 nm), and against D65 times them for reflectances, are exact for
+// that reading: Simpson's rule on each interval between merged break points, where the integrand
+// is a polynomial of degree 2 (or 3) (GridTables.h).
 //
 // The static operations use the current converter (SetCurrent; the built-in CIE 1931 2-degree
 // converter when none is set), so every caller integrates against one observer.
