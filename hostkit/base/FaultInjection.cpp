@@ -17,9 +17,13 @@ void Arm(unsigned sites, long failAt, bool failAfter) {
     gSites.store(sites);
 }
 
-void Disarm() { gSites.store(0); }
+void Disarm() {
+    gSites.store(0);
+}
 
-long Counted() { return gCounted.load(); }
+long Counted() {
+    return gCounted.load();
+}
 
 bool ShouldFail(Site site) {
     if ((gSites.load(std::memory_order_relaxed) & site) == 0)

@@ -13,7 +13,11 @@ void PluginLoading(HINSTANCE module) {
     gCalls.fetch_add(1);
 }
 
-HINSTANCE LoadingModule() { return gLoading.load(); }
-int PluginLoadingCalls() { return gCalls.load(); }
+HINSTANCE LoadingModule() {
+    return gLoading.load();
+}
+int PluginLoadingCalls() {
+    return gCalls.load();
+}
 
 } // namespace Korvane

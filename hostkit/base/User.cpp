@@ -94,9 +94,9 @@ int IUser::ErrorMessageEx(const char* format, const char* message) {
 }
 
 int IUser::ErrorNoMemory(long long size) {
-    Emit(ReportKind::NoMemory, size < 0 ? std::string("out of memory")
-                                        : "out of memory allocating " + std::to_string(size) +
-                                              " bytes");
+    Emit(ReportKind::NoMemory, size < 0
+                                   ? std::string("out of memory")
+                                   : "out of memory allocating " + std::to_string(size) + " bytes");
     return kNoMemoryCode;
 }
 

@@ -16,7 +16,9 @@ struct ISurfColor {};
 struct IScalarColor {};
 struct IDualLgtColor {};
 
-inline ILgtColor& LightPart(IRayColor& ray) { return *reinterpret_cast<ILgtColor*>(&ray); }
+inline ILgtColor& LightPart(IRayColor& ray) {
+    return *reinterpret_cast<ILgtColor*>(&ray);
+}
 inline const ILgtColor& LightPart(const IRayColor& ray) {
     return *reinterpret_cast<const ILgtColor*>(&ray);
 }

@@ -14,9 +14,13 @@ void* OpenLibrary(const char* path, std::string& error) {
     return lib;
 }
 
-void* FindSymbol(void* library, const char* name) { return dlsym(library, name); }
+void* FindSymbol(void* library, const char* name) {
+    return dlsym(library, name);
+}
 
-void CloseLibrary(void* library) { dlclose(library); }
+void CloseLibrary(void* library) {
+    dlclose(library);
+}
 
 void* AlignedAlloc(std::size_t bytes, std::size_t alignment) {
     void* p = nullptr;
@@ -25,6 +29,8 @@ void* AlignedAlloc(std::size_t bytes, std::size_t alignment) {
     return p;
 }
 
-void AlignedRelease(void* p) { free(p); }
+void AlignedRelease(void* p) {
+    free(p);
+}
 
 } // namespace Korvane::Platform

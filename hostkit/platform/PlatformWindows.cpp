@@ -16,12 +16,16 @@ void* FindSymbol(void* library, const char* name) {
     return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(library), name));
 }
 
-void CloseLibrary(void* library) { FreeLibrary(static_cast<HMODULE>(library)); }
+void CloseLibrary(void* library) {
+    FreeLibrary(static_cast<HMODULE>(library));
+}
 
 void* AlignedAlloc(std::size_t bytes, std::size_t alignment) {
     return _aligned_malloc(bytes == 0 ? alignment : bytes, alignment);
 }
 
-void AlignedRelease(void* p) { _aligned_free(p); }
+void AlignedRelease(void* p) {
+    _aligned_free(p);
+}
 
 } // namespace Korvane::Platform

@@ -13,22 +13,42 @@ std::atomic<long long> gAlive{0};
 
 IOwner::~IOwner() = default;
 
-Plug::Plug() { gAlive.fetch_add(1, std::memory_order_relaxed); }
+Plug::Plug() {
+    gAlive.fetch_add(1, std::memory_order_relaxed);
+}
 Plug::Plug(const Plug& other) : name_(other.name_) {
     gAlive.fetch_add(1, std::memory_order_relaxed);
 }
-Plug::~Plug() { gAlive.fetch_sub(1, std::memory_order_relaxed); }
+Plug::~Plug() {
+    gAlive.fetch_sub(1, std::memory_order_relaxed);
+}
 
-PlugType* Plug::ObjType() const { return nullptr; }
-void Plug::SetName(const char* name) { name_ = name ? name : ""; }
-Str Plug::GetText() const { return name_; }
-Plug* Plug::Clone() const { return nullptr; }
+PlugType* Plug::ObjType() const {
+    return nullptr;
+}
+void Plug::SetName(const char* name) {
+    name_ = name ? name : "";
+}
+Str Plug::GetText() const {
+    return name_;
+}
+Plug* Plug::Clone() const {
+    return nullptr;
+}
 void Plug::OnLoad(int) {}
-int Plug::SaveToFile(const char* path) const { return PlugFile::Save(*this, path); }
-bool Plug::CanProvide(const PlugType*) const { return false; }
-Plug* Plug::Provide(const PlugType*) { return nullptr; }
+int Plug::SaveToFile(const char* path) const {
+    return PlugFile::Save(*this, path);
+}
+bool Plug::CanProvide(const PlugType*) const {
+    return false;
+}
+Plug* Plug::Provide(const PlugType*) {
+    return nullptr;
+}
 void Plug::OnChange(int) {}
-int Plug::OnAsk(int) { return 0; }
+int Plug::OnAsk(int) {
+    return 0;
+}
 
 int Plug::Release() const {
     const int n = refs_.fetch_sub(1, std::memory_order_acq_rel) - 1;
@@ -37,7 +57,9 @@ int Plug::Release() const {
     return n;
 }
 
-int Plug::ReleaseNoDelete() const { return refs_.fetch_sub(1, std::memory_order_acq_rel) - 1; }
+int Plug::ReleaseNoDelete() const {
+    return refs_.fetch_sub(1, std::memory_order_acq_rel) - 1;
+}
 
 void* Plug::operator new(std::size_t bytes) noexcept {
     if (FaultInjection::ShouldFail(FaultInjection::PlugAlloc))
@@ -45,10 +67,14 @@ void* Plug::operator new(std::size_t bytes) noexcept {
     return std::malloc(bytes);
 }
 
-void Plug::operator delete(void* p) noexcept { std::free(p); }
+void Plug::operator delete(void* p) noexcept {
+    std::free(p);
+}
 
 namespace PlugStats {
-long long Alive() { return gAlive.load(); }
+long long Alive() {
+    return gAlive.load();
+}
 } // namespace PlugStats
 
 } // namespace Korvane

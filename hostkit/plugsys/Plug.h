@@ -31,9 +31,9 @@ public:
     virtual PlugType* ObjType() const;
     virtual ~Plug();
     virtual void SetName(const char* name);
-    virtual Str GetText() const;          // the display name
-    virtual Plug* Clone() const;          // null: the plug cannot be copied
-    virtual void OnLoad(int version);     // after SerializeInstance has read the plug
+    virtual Str GetText() const;                    // the display name
+    virtual Plug* Clone() const;                    // null: the plug cannot be copied
+    virtual void OnLoad(int version);               // after SerializeInstance has read the plug
     virtual int SaveToFile(const char* path) const; // plug file of this plug; 0 or an error code
     virtual bool CanProvide(const PlugType* type) const;
     virtual Plug* Provide(const PlugType* type);

@@ -9,7 +9,9 @@ PlugRef::PlugRef(Plug* p) : p_(p) {
 
 PlugRef::PlugRef(const PlugRef& other) : PlugRef(other.p_) {}
 
-PlugRef& PlugRef::operator=(const PlugRef& other) { return *this = other.p_; }
+PlugRef& PlugRef::operator=(const PlugRef& other) {
+    return *this = other.p_;
+}
 
 PlugRef& PlugRef::operator=(Plug* p) {
     if (p)

@@ -55,9 +55,15 @@ bool PlugType::IsKindOf(const PlugType* type) const {
     return false;
 }
 
-Plug* PlugType::NewInstance() { return nullptr; }
-int PlugType::SerializeInstance(Plug*, Serializer&) { return 0; }
-bool PlugType::SupportsSerialization() const { return flag_; }
+Plug* PlugType::NewInstance() {
+    return nullptr;
+}
+int PlugType::SerializeInstance(Plug*, Serializer&) {
+    return 0;
+}
+bool PlugType::SupportsSerialization() const {
+    return flag_;
+}
 
 PlugType* PlugType::Find(const char* ident) {
     if (!ident)

@@ -10,8 +10,12 @@ Korvane::BOOL DllMain(Korvane::HINSTANCE module, unsigned long reason, void* /*r
     return 1;
 }
 
-int VersionId() { return kVersionId; }
+int VersionId() {
+    return kVersionId;
+}
 
-int InitClasses() { return 0; }
+int InitClasses() {
+    return 0;
+}
 
 void TermClasses() {}

@@ -158,17 +158,25 @@ const MArray<double>& BSpectralModel::Wavelengths() {
     return GetKLBMSpectralModel()->GetWaveLengths();
 }
 
-const MArray<double>& BSpectralModel::Weights() { return GetKLBMSpectralModel()->weights_; }
+const MArray<double>& BSpectralModel::Weights() {
+    return GetKLBMSpectralModel()->weights_;
+}
 
-bool BSpectralModel::Equidistant() { return GetKLBMSpectralModel()->equidistant_; }
+bool BSpectralModel::Equidistant() {
+    return GetKLBMSpectralModel()->equidistant_;
+}
 
-int BSpectralModel::NColours() { return GetKLBMSpectralModel()->NWaves(); }
+int BSpectralModel::NColours() {
+    return GetKLBMSpectralModel()->NWaves();
+}
 
 int BSpectralModel::SetSpectrogram(const MArray<double>& waves) {
     return GetKLBMSpectralModel()->SetWaveLengths(waves) == 0 ? 0 : -1;
 }
 
-MArray<double>& BSpectralModel::DefWavelengths() { return gDefWavelengths; }
+MArray<double>& BSpectralModel::DefWavelengths() {
+    return gDefWavelengths;
+}
 
 int BSpectralModel::FillDefWavelengths() {
     if (gDefWavelengths.Alloc(kDefaultGridCount) != 0)
@@ -178,6 +186,8 @@ int BSpectralModel::FillDefWavelengths() {
     return 0;
 }
 
-PlugRef& BSpectralModel::ImplicitModelRef() { return gImplicitSpectral; }
+PlugRef& BSpectralModel::ImplicitModelRef() {
+    return gImplicitSpectral;
+}
 
 } // namespace Korvane

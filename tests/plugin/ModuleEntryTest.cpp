@@ -2,4 +2,6 @@
 
 #include <gtest/gtest.h>
 
-TEST(ModuleEntry, VersionIdIsFixed) { EXPECT_EQ(VersionId(), 263237); }
+TEST(ModuleEntry, VersionIdIsFixed) {
+    EXPECT_EQ(VersionId(), 263237);
+}

@@ -25,9 +25,8 @@ inline constexpr const char* kArrayMemTag = "TArray";
 
 // True for element types that may live in aligned, unconstructed storage.
 template <class T>
-inline constexpr bool kIsAlignableElement = std::is_trivially_default_constructible_v<T> &&
-                                            std::is_trivially_copyable_v<T> &&
-                                            std::is_trivially_destructible_v<T>;
+inline constexpr bool kIsAlignableElement = std::is_trivially_default_constructible_v<T>&&
+    std::is_trivially_copyable_v<T>&& std::is_trivially_destructible_v<T>;
 
 template <class T>
 class TArray : public IArray {
@@ -36,7 +35,8 @@ public:
     explicit TArray(int growthStep) : growthStep_(growthStep), alignment_(1) {}
 
     // Plain (alignment 1) or aligned storage; only for element types without construction.
-    template <class U = T, std::enable_if_t<std::is_same_v<U, T> && kIsAlignableElement<U>, int> = 0>
+    template <class U = T,
+              std::enable_if_t<std::is_same_v<U, T> && kIsAlignableElement<U>, int> = 0>
     TArray(int growthStep, int alignment) : growthStep_(growthStep), alignment_(alignment) {}
 
     // Takes the source's growth step and alignment, then copies it with Assign.
