@@ -43,6 +43,8 @@ int MassColConv::PrepareForLight() {
     const int n = waves_.Count();
     if (lightRGB_.Count() == n)
         return 0;
+    if (!Converter()) // made without a converter: nothing to fill the tables from
+        return -1;
     if (lightRGB_.Alloc(n) != 0 || lightRGBDensity_.Alloc(n) != 0 || lightXYZ_.Alloc(n) != 0 ||
         lightXYZDensity_.Alloc(n) != 0)
         return -1;
@@ -99,6 +101,8 @@ int MassColConv::PrepareForSurface() {
     const int n = waves_.Count();
     if (surfaceRGB_.Count() == n)
         return 0;
+    if (!Converter())
+        return -1;
     TArray<double> spike(kGrowthStep);
     if (surfaceRGB_.Alloc(n) != 0 || spike.Alloc(n) != 0)
         return -1;
