@@ -1,0 +1,201 @@
+#include "cli/ColourReport.h"
+
+#include "hostkit/base/BinarySerializer.h"
+#include "hostkit/cie/CIEConvAll.h"
+#include "hostkit/colormodel/ColorModel.h"
+#include "hostkit/colormodel/ColorModelType.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+namespace Korvane::Cli {
+namespace {
+
+// A light colour of one model, kept in one of that model's holders.
+class LightOf {
+public:
+    explicit LightOf(const ColorModel* model) : model_(model), holder_(model->NewLgtColorHold()) {}
+    bool Ok() const { return holder_.Get() != nullptr; }
+    ILgtColor& Color() { return holder_.Get()->Color(); }
+    TVect3<double> Triple() {
+        double v[3];
+        model_->LgtToArray(Color(), v);
+        return {v[0], v[1], v[2]};
+    }
+
+private:
+    const ColorModel* model_;
+    TPlugRef<Holder<ILgtColor>> holder_;
+};
+
+// A spectral model over first..last in steps, made as a host makes one: its type reads a stored
+// grid ("Wavelengths", "EquiDistant") and OnLoad rebuilds weights and tables.
+PlugRef GridModel(const ReportOptions& o, std::ostream& err) {
+    PlugType* type = PlugType::Find("USpectr");
+    if (!type) {
+        err << "korvane: the plug-in registered no unpolarized spectral model type\n";
+        return PlugRef();
+    }
+    std::vector<double> waves;
+    for (int i = 0;; ++i) {
+        const double w = o.first + o.step * i;
+        if (w > o.last + o.step * 1e-9)
+            break;
+        waves.push_back(w);
+    }
+    BinarySerializer writer;
+    writer.OpenGroup("Wavelengths");
+    auto n = static_cast<std::int32_t>(waves.size());
+    writer.SerializeCount(n, 1);
+    writer.Serialize(waves.data(), n);
+    writer.CloseGroup();
+    bool equidistant = true;
+    writer.Serialize("EquiDistant", equidistant, false);
+    writer.Finish();
+
+    BinarySerializer reader(writer.Bytes());
+    PlugRef model = type->NewInstance();
+    if (!model) {
+        err << "korvane: out of memory making the spectral model\n";
+        return PlugRef();
+    }
+    type->SerializeInstance(model.Get(), reader);
+    reader.Finish();
+    if (reader.Failed()) {
+        err << "korvane: the grid " << o.first << ".." << o.last << " step " << o.step
+            << " is not a valid wavelength grid: " << reader.Error() << "\n";
+        return PlugRef();
+    }
+    model.Get()->OnLoad(BinarySerializer::kVersion);
+    return model;
+}
+
+std::string Fixed(double v, int decimals = 6) {
+    char buf[64];
+    std::snprintf(buf, sizeof buf, "%.*f", decimals, v);
+    return buf;
+}
+
+std::string Triple(const TVect3<double>& v, const char* sep) {
+    return Fixed(v.x) + sep + Fixed(v.y) + sep + Fixed(v.z);
+}
+
+void PrintSpectra(const ColorModel* spectral, const std::vector<NamedColour>& colours,
+                  const std::vector<std::vector<double>>& spectra, bool csv, std::ostream& out) {
+    const MArray<double>& grid = spectral->GetWaveLengths();
+    const char* sep = csv ? "," : "  ";
+    out << (csv ? "" : "\n") << "wavelength";
+    for (const NamedColour& c : colours)
+        out << sep << c.name;
+    out << "\n";
+    for (int i = 0; i < grid.Count(); ++i) {
+        out << Fixed(grid[i], 1);
+        for (const auto& s : spectra)
+            out << sep << Fixed(s[static_cast<std::size_t>(i)]);
+        out << "\n";
+    }
+}
+
+} // namespace
+
+std::vector<NamedColour> DefaultColours() {
+    return {{"white", {1.0, 1.0, 1.0}},   {"grey50", {0.5, 0.5, 0.5}}, {"red", {1.0, 0.0, 0.0}},
+            {"green", {0.0, 1.0, 0.0}},   {"blue", {0.0, 0.0, 1.0}},   {"cyan", {0.0, 1.0, 1.0}},
+            {"magenta", {1.0, 0.0, 1.0}}, {"yellow", {1.0, 1.0, 0.0}}};
+}
+
+int RunReport(const ReportOptions& options, std::ostream& out, std::ostream& err) {
+    if (!TColorModel) {
+        err << "korvane: the host has no colour-model registry\n";
+        return 1;
+    }
+    const std::vector<NamedColour> colours =
+        options.colours.empty() ? DefaultColours() : options.colours;
+
+    // A converter for another observer becomes the host's current one for this run.
+    TPlugRef<CIEConvAll> converter;
+    if (options.observer != Observer::CIE1931_2deg) {
+        converter = CIEConvAll::Create(options.observer);
+        if (!converter.Get()) {
+            err << "korvane: out of memory making the CIE converter\n";
+            return 1;
+        }
+        TColorModel->SetCIEConvAllForAll(converter.Get());
+    }
+    struct RestoreConverter {
+        bool active;
+        ~RestoreConverter() {
+            if (active)
+                TColorModel->SetCIEConvAllForAll(CIEConvAll::Default());
+        }
+    } restore{converter.Get() != nullptr};
+
+    const ColorModel* rgb = TColorModel->FindModel("URGB");
+    const ColorModel* xyz = TColorModel->FindModel("XYZ");
+    const ColorModel* xyy = TColorModel->FindModel("XYY");
+    PlugRef gridModel;
+    const ColorModel* spectral = TColorModel->FindModel("USpectr");
+    if (options.customGrid) {
+        gridModel = GridModel(options, err);
+        if (!gridModel)
+            return 1;
+        spectral = static_cast<const ColorModel*>(gridModel.Get());
+    }
+    if (!rgb || !xyz || !xyy || !spectral) {
+        err << "korvane: the plug-in did not register the URGB, USpectr, XYZ and XYY models\n";
+        return 1;
+    }
+
+    const MArray<double>& grid = spectral->GetWaveLengths();
+    const char* sep = options.csv ? "," : "  ";
+    if (!options.csv) {
+        out << "models:";
+        for (const ColorModel* m : TColorModel->Models())
+            out << " " << m->Name();
+        out << "\nspectral grid: " << grid.Count() << " wavelengths, " << Fixed(grid[0], 1) << ".."
+            << Fixed(grid[grid.Count() - 1], 1) << " nm\n"
+            << "observer: "
+            << (options.observer == Observer::CIE1931_2deg ? "CIE 1931 2 deg" : "CIE 1964 10 deg")
+            << "; reflectances under D65; RGB is linear sRGB\n\n";
+    }
+    out << "colour" << sep << "R" << sep << "G" << sep << "B" << sep << "R'" << sep << "G'" << sep
+        << "B'" << sep << "X" << sep << "Y" << sep << "Z" << sep << "x" << sep << "y" << sep
+        << "luminance" << sep << "energy\n";
+
+    std::vector<std::vector<double>> spectra;
+    for (const NamedColour& c : colours) {
+        LightOf in(rgb), spec(spectral), back(rgb), inXYZ(xyz), inXYY(xyy);
+        if (!in.Ok() || !spec.Ok() || !back.Ok() || !inXYZ.Ok() || !inXYY.Ok()) {
+            err << "korvane: out of memory making colour holders\n";
+            return 1;
+        }
+        const double values[3] = {c.rgb.x, c.rgb.y, c.rgb.z};
+        rgb->SetLgtColor(in.Color(), values);
+        if (spectral->ConvertColor(rgb, in.Color(), spec.Color()) != 0 ||
+            rgb->ConvertColor(spectral, spec.Color(), back.Color()) != 0 ||
+            xyz->ConvertColor(spectral, spec.Color(), inXYZ.Color()) != 0 ||
+            xyy->ConvertColor(spectral, spec.Color(), inXYY.Color()) != 0) {
+            err << "korvane: converting " << c.name << " failed (see the report above)\n";
+            return 1;
+        }
+        double luminance = 0.0;
+        TVect2<double> xy(0.0, 0.0);
+        spectral->GetChromaticity(spec.Color(), luminance, xy);
+        const TVect3<double> chroma = inXYY.Triple();
+        out << c.name << sep << Triple(c.rgb, sep) << sep << Triple(back.Triple(), sep) << sep
+            << Triple(inXYZ.Triple(), sep) << sep << Fixed(chroma.x) << sep << Fixed(chroma.y)
+            << sep << Fixed(luminance, 3) << sep << Fixed(spectral->LgtEnergy(spec.Color()), 4)
+            << "\n";
+        if (options.spectra) {
+            std::vector<double> s(static_cast<std::size_t>(grid.Count()));
+            spectral->LgtToArray(spec.Color(), s.data());
+            spectra.push_back(std::move(s));
+        }
+    }
+    if (options.spectra)
+        PrintSpectra(spectral, colours, spectra, options.csv, out);
+    return 0;
+}
+
+} // namespace Korvane::Cli

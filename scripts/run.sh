@@ -1,0 +1,9 @@
+#!/usr/bin/env bash
+# Builds the command-line tool and the plug-in, and runs the tool (default: the built-in
+# defaults). Usage: scripts/run.sh [korvane options]
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/deps.sh
+cmake --preset default >/dev/null
+cmake --build --preset default -j"$(nproc)" --target korvane
+exec build/default/bin/korvane "$@"
