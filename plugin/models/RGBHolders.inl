@@ -1,46 +1,49 @@
-// RGBModel<Pol>: the holders of RGB colours that the model makes. Included by RGBModel.cpp.
+// RGBModel<Pol>: the holders of RGB colours that the model makes, each handed out without a
+// reference (HolderFactory). Included by RGBModel.cpp.
 #pragma once
+
+#include "plugin/holders/HolderFactory.h"
 
 namespace Korvane {
 
 template <class Pol>
 Holder<ILgtColor>* RGBModel<Pol>::NewLgtColorHold() const {
-    return NotAvailable<Holder<ILgtColor>*>(ClassName(), "NewLgtColorHold");
+    return HolderFactory::NewLgtColorHold<RGBModel<Pol>>();
 }
 
 template <class Pol>
-ArrayLgtColorHolder* RGBModel<Pol>::NewArrayLgtColorHold(int) const {
-    return NotAvailable<ArrayLgtColorHolder*>(ClassName(), "NewArrayLgtColorHold");
+ArrayLgtColorHolder* RGBModel<Pol>::NewArrayLgtColorHold(int n) const {
+    return HolderFactory::NewArrayLgtColorHold<RGBModel<Pol>>(n);
 }
 
 template <class Pol>
 MatrixLgtColorHolder* RGBModel<Pol>::NewMatrixLgtColorHold() const {
-    return NotAvailable<MatrixLgtColorHolder*>(ClassName(), "NewMatrixLgtColorHold");
+    return HolderFactory::NewMatrixLgtColorHold<RGBModel<Pol>>();
 }
 
 template <class Pol>
 Holder<IRayColor>* RGBModel<Pol>::NewRayColorHold() const {
-    return NotAvailable<Holder<IRayColor>*>(ClassName(), "NewRayColorHold");
+    return HolderFactory::NewRayColorHold<RGBModel<Pol>>();
 }
 
 template <class Pol>
 ArrayRayColorHolder* RGBModel<Pol>::NewArrayRayColorHold() const {
-    return NotAvailable<ArrayRayColorHolder*>(ClassName(), "NewArrayRayColorHold");
+    return HolderFactory::NewArrayRayColorHold<RGBModel<Pol>>();
 }
 
 template <class Pol>
 Holder<IScalarColor>* RGBModel<Pol>::NewScalarColorHold() const {
-    return NotAvailable<Holder<IScalarColor>*>(ClassName(), "NewScalarColorHold");
+    return HolderFactory::NewScalarColorHold<RGBModel<Pol>>();
 }
 
 template <class Pol>
 Holder<ISurfColor>* RGBModel<Pol>::NewSurfColorHold() const {
-    return NotAvailable<Holder<ISurfColor>*>(ClassName(), "NewSurfColorHold");
+    return HolderFactory::NewSurfColorHold<RGBModel<Pol>>();
 }
 
 template <class Pol>
 Holder<IDualLgtColor>* RGBModel<Pol>::NewDualLgtColorHold() const {
-    return NotAvailable<Holder<IDualLgtColor>*>(ClassName(), "NewDualLgtColorHold");
+    return HolderFactory::NewDualLgtColorHold<RGBModel<Pol>>();
 }
 
 } // namespace Korvane

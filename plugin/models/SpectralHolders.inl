@@ -1,47 +1,50 @@
-// SpectralModel<Pol>: the holders of spectral colours that the model makes. Included by
-// SpectralModel.cpp.
+// SpectralModel<Pol>: the holders of spectral colours that the model makes, each handed out
+// without a reference (HolderFactory). A new holder's colours are empty: the model's operations
+// size them to its grid. Included by SpectralModel.cpp.
 #pragma once
+
+#include "plugin/holders/HolderFactory.h"
 
 namespace Korvane {
 
 template <class Pol>
 Holder<ILgtColor>* SpectralModel<Pol>::NewLgtColorHold() const {
-    return NotAvailable<Holder<ILgtColor>*>(ClassName(), "NewLgtColorHold");
+    return HolderFactory::NewLgtColorHold<SpectralModel<Pol>>();
 }
 
 template <class Pol>
-ArrayLgtColorHolder* SpectralModel<Pol>::NewArrayLgtColorHold(int) const {
-    return NotAvailable<ArrayLgtColorHolder*>(ClassName(), "NewArrayLgtColorHold");
+ArrayLgtColorHolder* SpectralModel<Pol>::NewArrayLgtColorHold(int n) const {
+    return HolderFactory::NewArrayLgtColorHold<SpectralModel<Pol>>(n);
 }
 
 template <class Pol>
 MatrixLgtColorHolder* SpectralModel<Pol>::NewMatrixLgtColorHold() const {
-    return NotAvailable<MatrixLgtColorHolder*>(ClassName(), "NewMatrixLgtColorHold");
+    return HolderFactory::NewMatrixLgtColorHold<SpectralModel<Pol>>();
 }
 
 template <class Pol>
 Holder<IRayColor>* SpectralModel<Pol>::NewRayColorHold() const {
-    return NotAvailable<Holder<IRayColor>*>(ClassName(), "NewRayColorHold");
+    return HolderFactory::NewRayColorHold<SpectralModel<Pol>>();
 }
 
 template <class Pol>
 ArrayRayColorHolder* SpectralModel<Pol>::NewArrayRayColorHold() const {
-    return NotAvailable<ArrayRayColorHolder*>(ClassName(), "NewArrayRayColorHold");
+    return HolderFactory::NewArrayRayColorHold<SpectralModel<Pol>>();
 }
 
 template <class Pol>
 Holder<IScalarColor>* SpectralModel<Pol>::NewScalarColorHold() const {
-    return NotAvailable<Holder<IScalarColor>*>(ClassName(), "NewScalarColorHold");
+    return HolderFactory::NewScalarColorHold<SpectralModel<Pol>>();
 }
 
 template <class Pol>
 Holder<ISurfColor>* SpectralModel<Pol>::NewSurfColorHold() const {
-    return NotAvailable<Holder<ISurfColor>*>(ClassName(), "NewSurfColorHold");
+    return HolderFactory::NewSurfColorHold<SpectralModel<Pol>>();
 }
 
 template <class Pol>
 Holder<IDualLgtColor>* SpectralModel<Pol>::NewDualLgtColorHold() const {
-    return NotAvailable<Holder<IDualLgtColor>*>(ClassName(), "NewDualLgtColorHold");
+    return HolderFactory::NewDualLgtColorHold<SpectralModel<Pol>>();
 }
 
 } // namespace Korvane

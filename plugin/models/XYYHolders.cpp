@@ -1,40 +1,43 @@
-// XYYModel: the holders of xyY colours that the model makes (those of RGBModel<Unpolarized>).
+// XYYModel: the holders of xyY colours that the model makes. xyY colours are kept in the
+// three-value holders of RGBModel<Unpolarized>; each holder is handed out without a reference
+// (HolderFactory).
 #include "plugin/models/XYYModel.h"
 
-#include "plugin/models/NotAvailable.h"
+#include "plugin/holders/HolderFactory.h"
+#include "plugin/models/RGBModel.h"
 
 namespace Korvane {
 
 Holder<ILgtColor>* XYYModel::NewLgtColorHold() const {
-    return NotAvailable<Holder<ILgtColor>*>(ClassName(), "NewLgtColorHold");
+    return HolderFactory::NewLgtColorHold<RGBModel<Unpolarized>>();
 }
 
-ArrayLgtColorHolder* XYYModel::NewArrayLgtColorHold(int) const {
-    return NotAvailable<ArrayLgtColorHolder*>(ClassName(), "NewArrayLgtColorHold");
+ArrayLgtColorHolder* XYYModel::NewArrayLgtColorHold(int n) const {
+    return HolderFactory::NewArrayLgtColorHold<RGBModel<Unpolarized>>(n);
 }
 
 MatrixLgtColorHolder* XYYModel::NewMatrixLgtColorHold() const {
-    return NotAvailable<MatrixLgtColorHolder*>(ClassName(), "NewMatrixLgtColorHold");
+    return HolderFactory::NewMatrixLgtColorHold<RGBModel<Unpolarized>>();
 }
 
 Holder<IRayColor>* XYYModel::NewRayColorHold() const {
-    return NotAvailable<Holder<IRayColor>*>(ClassName(), "NewRayColorHold");
+    return HolderFactory::NewRayColorHold<RGBModel<Unpolarized>>();
 }
 
 ArrayRayColorHolder* XYYModel::NewArrayRayColorHold() const {
-    return NotAvailable<ArrayRayColorHolder*>(ClassName(), "NewArrayRayColorHold");
+    return HolderFactory::NewArrayRayColorHold<RGBModel<Unpolarized>>();
 }
 
 Holder<IScalarColor>* XYYModel::NewScalarColorHold() const {
-    return NotAvailable<Holder<IScalarColor>*>(ClassName(), "NewScalarColorHold");
+    return HolderFactory::NewScalarColorHold<RGBModel<Unpolarized>>();
 }
 
 Holder<ISurfColor>* XYYModel::NewSurfColorHold() const {
-    return NotAvailable<Holder<ISurfColor>*>(ClassName(), "NewSurfColorHold");
+    return HolderFactory::NewSurfColorHold<RGBModel<Unpolarized>>();
 }
 
 Holder<IDualLgtColor>* XYYModel::NewDualLgtColorHold() const {
-    return NotAvailable<Holder<IDualLgtColor>*>(ClassName(), "NewDualLgtColorHold");
+    return HolderFactory::NewDualLgtColorHold<RGBModel<Unpolarized>>();
 }
 
 } // namespace Korvane

@@ -1,40 +1,43 @@
-// XYZModel: the holders of XYZ colours that the model makes (those of RGBModel<Unpolarized>).
+// XYZModel: the holders of XYZ colours that the model makes. XYZ colours are kept in the
+// three-value holders of RGBModel<Unpolarized>; each holder is handed out without a reference
+// (HolderFactory).
 #include "plugin/models/XYZModel.h"
 
-#include "plugin/models/NotAvailable.h"
+#include "plugin/holders/HolderFactory.h"
+#include "plugin/models/RGBModel.h"
 
 namespace Korvane {
 
 Holder<ILgtColor>* XYZModel::NewLgtColorHold() const {
-    return NotAvailable<Holder<ILgtColor>*>(ClassName(), "NewLgtColorHold");
+    return HolderFactory::NewLgtColorHold<RGBModel<Unpolarized>>();
 }
 
-ArrayLgtColorHolder* XYZModel::NewArrayLgtColorHold(int) const {
-    return NotAvailable<ArrayLgtColorHolder*>(ClassName(), "NewArrayLgtColorHold");
+ArrayLgtColorHolder* XYZModel::NewArrayLgtColorHold(int n) const {
+    return HolderFactory::NewArrayLgtColorHold<RGBModel<Unpolarized>>(n);
 }
 
 MatrixLgtColorHolder* XYZModel::NewMatrixLgtColorHold() const {
-    return NotAvailable<MatrixLgtColorHolder*>(ClassName(), "NewMatrixLgtColorHold");
+    return HolderFactory::NewMatrixLgtColorHold<RGBModel<Unpolarized>>();
 }
 
 Holder<IRayColor>* XYZModel::NewRayColorHold() const {
-    return NotAvailable<Holder<IRayColor>*>(ClassName(), "NewRayColorHold");
+    return HolderFactory::NewRayColorHold<RGBModel<Unpolarized>>();
 }
 
 ArrayRayColorHolder* XYZModel::NewArrayRayColorHold() const {
-    return NotAvailable<ArrayRayColorHolder*>(ClassName(), "NewArrayRayColorHold");
+    return HolderFactory::NewArrayRayColorHold<RGBModel<Unpolarized>>();
 }
 
 Holder<IScalarColor>* XYZModel::NewScalarColorHold() const {
-    return NotAvailable<Holder<IScalarColor>*>(ClassName(), "NewScalarColorHold");
+    return HolderFactory::NewScalarColorHold<RGBModel<Unpolarized>>();
 }
 
 Holder<ISurfColor>* XYZModel::NewSurfColorHold() const {
-    return NotAvailable<Holder<ISurfColor>*>(ClassName(), "NewSurfColorHold");
+    return HolderFactory::NewSurfColorHold<RGBModel<Unpolarized>>();
 }
 
 Holder<IDualLgtColor>* XYZModel::NewDualLgtColorHold() const {
-    return NotAvailable<Holder<IDualLgtColor>*>(ClassName(), "NewDualLgtColorHold");
+    return HolderFactory::NewDualLgtColorHold<RGBModel<Unpolarized>>();
 }
 
 } // namespace Korvane
