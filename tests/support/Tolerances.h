@@ -43,4 +43,12 @@ inline constexpr double kSpectralRoundTrip = 1e-12;
 // bound leaves room for a change of tables in the fourth digit.
 inline constexpr double kInGamutExcursion = 7e-4;
 
+// -- spectral resampling and conversions ----------------------------------------------------------
+
+// Linear interpolation of values of magnitude up to 3: u carries one or two roundings (a
+// reciprocal width and a product, or one division) and the blend two products and a sum, a few
+// ulp (2.2e-16 near 1) in all; the largest error seen against the exact straight line over 50
+// random pairs of grids is 2.2e-16.
+inline constexpr double kResampleRounding = 2e-15;
+
 } // namespace Korvane::Tol
