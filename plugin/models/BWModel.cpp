@@ -3,7 +3,6 @@
 #include "plugin/models/BWModel.h"
 
 #include "plugin/frame/LibraryObjects.h"
-#include "plugin/models/NotAvailable.h"
 
 namespace Korvane {
 namespace {
