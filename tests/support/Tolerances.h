@@ -51,4 +51,17 @@ inline constexpr double kInGamutExcursion = 7e-4;
 // random pairs of grids is 2.2e-16.
 inline constexpr double kResampleRounding = 2e-15;
 
+// -- BW model -----------------------------------------------------------------------------------
+
+// Relative error of the ybar-weighted mean of a flat spectrum against its value: a ratio of two
+// sums of the same few hundred products, each rounded (1.1e-16); seen 5.1e-16.
+inline constexpr double kFlatSpectrumMean = 1e-14;
+// The three luminance coefficients (the middle row of N) sum to the Y of the white (1, 1, 1),
+// which the derivation makes 1: one rounded 3x3 inversion and two additions, a few ulp; seen
+// 1.1e-16.
+inline constexpr double kLuminanceRowSum = 1e-15;
+// The chromaticity of N (1, 1, 1) against the sRGB white (0.3127, 0.3290) it was derived from:
+// the rounded inversion, the sums and one division, a few ulp of values near 0.3; seen 0.
+inline constexpr double kGreyChromaticity = 1e-15;
+
 } // namespace Korvane::Tol
