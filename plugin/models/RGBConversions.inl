@@ -1,47 +1,297 @@
 // RGBModel<Pol>: conversions of colours of any model into RGB colours. Included by RGBModel.cpp.
+//
+// A source model is asked what it is in the order IsBW, IsRGB, IsXYZ, IsXYY, IsSpectral, and its
+// colour is read as a value of that model in the polarization it reports. BW and RGB colours move
+// channel by channel; XYZ and xyY go through M; spectra through the current converter. A
+// polarized spectrum is converted element by element: element k of every sample, gathered over
+// the grid, is one spectrum whose RGB becomes element k of the three destination channels (only
+// element 0, the intensity, when the destination is unpolarized).
 #pragma once
 
+#include <type_traits>
+
 namespace Korvane {
+namespace RGBConversion {
+
+using ColourAccess::Value;
+
+// Calls f with the source colour as a value of SrcModel in the polarization the source reports.
+template <template <class> class SrcModel, class I, class F>
+void WithSourceLayout(const ColorModel* src, const I& from, F f) {
+    if (src->HasPolarization())
+        f(Value<SrcModel<StokesPolarization>>(from));
+    else
+        f(Value<SrcModel<Unpolarized>>(from));
+}
+
+// Channel c of a BW (one channel) or RGB source into channel c of the destination: the whole
+// component when both have the same layout, else the intensity with every other double 0.
+template <class Src, class Dst>
+void TakeChannels(const Src& from, Dst& to) {
+    for (int ch = 0; ch < Dst::kChannels; ++ch) {
+        const auto& s = from.Channel(Src::kChannels == 1 ? 0 : ch);
+        auto& d = to.Channel(ch);
+        if constexpr (std::is_same_v<typename Src::Component, typename Dst::Component>) {
+            d = s;
+        } else {
+            d = typename Dst::Component{};
+            d[0] = s[0];
+        }
+    }
+}
+
+// The three values of an XYZ or xyY colour.
+template <class I>
+TVect3<double> Triple(const I& from) {
+    const auto& v = Value<XYZModel>(from);
+    return {v[0], v[1], v[2]};
+}
+
+// xyY -> XYZ with every negative coordinate set to 0.
+inline TVect3<double> ClampedXYZ(const TVect3<double>& xyY) {
+    return ColourMath::ClampNegative(ColourMath::XYYToXYZ(xyY));
+}
+
+// Sample i of a spectral distribution: band-guarded for light, stored for the others.
+template <class Comp>
+const Comp& Sample(const ExtSpctrlColourDistr<Comp>& d, int i) {
+    return d.Get(i);
+}
+template <class Comp>
+const Comp& Sample(const SpctrlColourDistr<Comp>& d, int i) {
+    return d[i];
+}
+
+// The sample count of a spectral source colour, read in the source's own layout.
+template <class I>
+int SampleCount(const ColorModel* src, const I& from) {
+    int n = 0;
+    WithSourceLayout<SpectralModel>(src, from, [&n](const auto& c) { n = c.Count(); });
+    return n;
+}
+
+// For k = 0 .. elements - 1: element k of every sample of `d`, gathered into one spectrum over
+// the source's grid, turned into RGB by toRGB(spectrum, grid) and handed to store(k, rgb). False
+// when the sample count is not the source's NWaves or the scratch spectrum cannot be sized.
+template <class D, class ToRGB, class Store>
+bool GatherElements(const ColorModel* src, const D& d, int elements, ToRGB toRGB, Store store) {
+    const int n = d.Count();
+    if (n != src->NWaves())
+        return false;
+    TArray<double> spectrum(10);
+    if (spectrum.Alloc(n) != 0)
+        return false;
+    const MArray<double>& waves = src->GetWaveLengths();
+    for (int k = 0; k < elements; ++k) {
+        for (int i = 0; i < n; ++i)
+            spectrum[i] = Sample(d, i)[k];
+        store(k, toRGB(spectrum, waves));
+    }
+    return true;
+}
+
+// A polarized spectral colour into `to`: every element of the destination's component (one when
+// it is unpolarized, four for a Stokes vector, sixteen for a Mueller matrix) from the same element
+// of the samples.
+template <class D, class Dst, class ToRGB>
+bool FromPolarizedSpectrum(const ColorModel* src, const D& d, Dst& to, ToRGB toRGB) {
+    return GatherElements(src, d, Dst::Component::kSize, toRGB,
+                          [&to](int k, const TVect3<double>& rgb) {
+                              for (int ch = 0; ch < 3; ++ch)
+                                  to.Channel(ch)[k] = rgb[ch];
+                          });
+}
+
+// The failure report of a spectral path: the same text as format and message.
+inline int ConversionFailure(const char* text) {
+    return User()->ErrorMessageEx(text, text);
+}
+
+// Readies the scratch spectrum of an unpolarized spectral source: 0 when the colour has the
+// source's NWaves samples and `spectrum` holds as many; otherwise the code of the report made,
+// ErrorMessageEx(failure) for a sample count that is not NWaves, ErrorNoMemory(-1) when the
+// scratch cannot be sized.
+template <class I>
+int SizeScratch(const ColorModel* src, const I& from, TArray<double>& spectrum,
+                const char* failure) {
+    if (SampleCount(src, from) != src->NWaves())
+        return ConversionFailure(failure);
+    if (spectrum.Alloc(src->NWaves()) != 0)
+        return User()->ErrorNoMemory(-1);
+    return 0;
+}
+
+inline TVect3<double> LightRGB(const TArray<double>& s, const MArray<double>& waves) {
+    return ColorModel::GetCIEConv()->Spectr2RGB(s, waves, false);
+}
+
+inline TVect3<double> SurfaceRGB(const TArray<double>& s, const MArray<double>& waves) {
+    return ColorModel::GetCIEConv()->Spectr2RGBAttr(s, waves, false);
+}
+
+// M applied to spectrum2xyz of an unpolarized light or scalar spectrum.
+template <class S>
+TVect3<double> SpectrumRGB(const MArray<double>& waves, const S& spectrum) {
+    TVect3<double> xyz(0.0, 0.0, 0.0);
+    CIEConv::spectrum2xyz(waves, spectrum, xyz);
+    return RGBOps::ApplyM(xyz);
+}
+
+} // namespace RGBConversion
 
 template <class Pol>
-int RGBModel<Pol>::ConvertColor(const ColorModel*, const ISurfColor&, ISurfColor&) const {
-    return NotAvailable(ClassName(), "ConvertColor(surface)");
+int RGBModel<Pol>::ConvertColor(const ColorModel* src, const ISurfColor& from,
+                                ISurfColor& to) const {
+    using namespace RGBConversion;
+    constexpr const char* kFailure = "RGB surface color conversion failure";
+    auto& out = Value<RGBModel>(to);
+    if (src && src->IsBW()) {
+        WithSourceLayout<BWModel>(src, from, [&out](const auto& c) { TakeChannels(c, out); });
+    } else if (src && src->IsRGB()) {
+        WithSourceLayout<RGBModel>(src, from, [&out](const auto& c) { TakeChannels(c, out); });
+    } else if (src && src->IsXYZ()) {
+        RGBOps::SetIntensities(out, ColourMath::ClampNegative(RGBOps::ApplyM(Triple(from))));
+    } else if (src && src->IsXYY()) {
+        RGBOps::SetIntensities(out,
+                               ColourMath::ClampNegative(RGBOps::ApplyM(ClampedXYZ(Triple(from)))));
+    } else if (src && src->IsSpectral()) {
+        if (src->HasPolarization()) {
+            const auto& d = Value<SpectralModel<StokesPolarization>>(from).Distr();
+            if (!FromPolarizedSpectrum(src, d, out, SurfaceRGB))
+                return ConversionFailure(kFailure);
+            return 0;
+        }
+        TArray<double> spectrum(10);
+        if (const int r = SizeScratch(src, from, spectrum, kFailure))
+            return r;
+        src->SurfToArray(from, spectrum.Data());
+        TVect3<double> rgb(0.0, 0.0, 0.0);
+        this->GetCIEConv()->spectrum2rgbAttr(src->GetWaveLengths(), spectrum, rgb);
+        CIEConv::ClipRGBScale(rgb);
+        RGBOps::SetIntensities(out, rgb);
+    } else {
+        return User()->InternalError("Not supported surface color conversion");
+    }
+    return 0;
 }
 
 template <class Pol>
-int RGBModel<Pol>::ConvertColor(const ColorModel*, const IScalarColor&, IScalarColor&) const {
-    return NotAvailable(ClassName(), "ConvertColor(scalar)");
+int RGBModel<Pol>::ConvertColor(const ColorModel* src, const IScalarColor& from,
+                                IScalarColor& to) const {
+    using namespace RGBConversion;
+    constexpr const char* kFailure = "RGB scalar color conversion failure";
+    auto& out = Value<RGBModel>(to);
+    if (src && src->IsBW()) {
+        // Scalar colours are one layout in both polarizations.
+        TakeChannels(Value<BWModel<Unpolarized>>(from), out);
+    } else if (src && src->IsRGB()) {
+        TakeChannels(Value<RGBModel<Unpolarized>>(from), out);
+    } else if (src && src->IsXYZ()) {
+        const double v = Value<XYZModel>(from)[0];
+        RGBOps::SetIntensities(out, RGBOps::ApplyM({v, v, v}));
+    } else if (src && src->IsXYY()) {
+        const double v = Value<XYYModel>(from)[0];
+        RGBOps::SetIntensities(out, RGBOps::ApplyM(ClampedXYZ({v, v, v})));
+    } else if (src && src->IsSpectral()) {
+        if (src->HasPolarization()) {
+            const auto& d = Value<SpectralModel<StokesPolarization>>(from).Distr();
+            if (!FromPolarizedSpectrum(src, d, out, LightRGB))
+                return ConversionFailure(kFailure);
+            return 0;
+        }
+        TArray<double> spectrum(10);
+        if (const int r = SizeScratch(src, from, spectrum, kFailure))
+            return r;
+        src->ScalarToArray(from, spectrum.Data());
+        RGBOps::SetIntensities(out, SpectrumRGB(src->GetWaveLengths(), spectrum));
+    } else {
+        return User()->InternalError("Not supported scalar color conversion");
+    }
+    return 0;
 }
 
 template <class Pol>
-int RGBModel<Pol>::ConvertColor(const ColorModel*, const ILgtColor&, ILgtColor&) const {
-    return NotAvailable(ClassName(), "ConvertColor(light)");
+int RGBModel<Pol>::ConvertColor(const ColorModel* src, const ILgtColor& from, ILgtColor& to) const {
+    using namespace RGBConversion;
+    constexpr const char* kFailure = "RGB light color conversion failure";
+    auto& out = Value<RGBModel>(to);
+    if (src && src->IsBW()) {
+        WithSourceLayout<BWModel>(src, from, [&out](const auto& c) { TakeChannels(c, out); });
+    } else if (src && src->IsRGB()) {
+        WithSourceLayout<RGBModel>(src, from, [&out](const auto& c) { TakeChannels(c, out); });
+    } else if (src && src->IsXYZ()) {
+        RGBOps::SetIntensities(out, RGBOps::ApplyM(Triple(from)));
+    } else if (src && src->IsXYY()) {
+        RGBOps::SetIntensities(out, RGBOps::ApplyM(ClampedXYZ(Triple(from))));
+    } else if (src && src->IsSpectral()) {
+        if (src->HasPolarization()) {
+            const auto& d = Value<SpectralModel<StokesPolarization>>(from).Distr();
+            if (!FromPolarizedSpectrum(src, d, out, LightRGB))
+                return ConversionFailure(kFailure);
+        } else {
+            TArray<double> spectrum(10);
+            if (const int r = SizeScratch(src, from, spectrum, kFailure))
+                return r;
+            src->LgtToArray(from, spectrum.Data());
+            RGBOps::SetIntensities(out, SpectrumRGB(src->GetWaveLengths(), spectrum));
+        }
+    } else {
+        return User()->InternalError("Not supported light color conversion");
+    }
+    ClampLgtColor(to);
+    return 0;
 }
 
 template <class Pol>
-int RGBModel<Pol>::ConvertToRayColor(const ColorModel*, const ILgtColor&, IRayColor&) const {
-    return NotAvailable(ClassName(), "ConvertToRayColor");
+int RGBModel<Pol>::ConvertToRayColor(const ColorModel* src, const ILgtColor& from,
+                                     IRayColor& to) const {
+    using namespace RGBConversion;
+    if (!src || !src->IsSpectral())
+        return ColorModel::ConvertToRayColor(src, from, to);
+    if (SampleCount(src, from) != src->NWaves())
+        return -1;
+    auto& out = Value<RGBModel>(to).Light();
+    if (src->HasPolarization()) {
+        const auto& d = Value<SpectralModel<StokesPolarization>>(from).Distr();
+        if (!FromPolarizedSpectrum(src, d, out, LightRGB))
+            return ConversionFailure("Light to RGB ray color conversion failure");
+    } else {
+        // The stored samples seen in place, without a copy; the view only reads them.
+        const auto& c = Value<SpectralModel<Unpolarized>>(from);
+        const BArray<double> samples(const_cast<double*>(c.Values()), c.Count());
+        RGBOps::SetIntensities(
+            out, ColourMath::ClampNegative(SpectrumRGB(src->GetWaveLengths(), samples)));
+    }
+    const double sourceEnergy = src->LgtEnergy(from);
+    if (sourceEnergy == 0.0)
+        return 0;
+    // No guard against a zero sum here: the division stands as it is.
+    RGBOps::Scale(out, sourceEnergy / SumLgtColor(LightPart(to)));
+    return 0;
 }
 
 template <class Pol>
-void RGBModel<Pol>::RGBConvertToRayColor(const TVect3<double>&, IRayColor&) const {
-    NotAvailable<void>(ClassName(), "RGBConvertToRayColor");
+void RGBModel<Pol>::RGBConvertToRayColor(const TVect3<double>& rgb, IRayColor& to) const {
+    RGBOps::SetIntensities(ColourAccess::Value<RGBModel>(to).Light(), rgb);
 }
 
 template <class Pol>
-void RGBModel<Pol>::RGBConvertToSurfaceColor(const TVect3<double>&, ISurfColor&) const {
-    NotAvailable<void>(ClassName(), "RGBConvertToSurfaceColor");
+void RGBModel<Pol>::RGBConvertToSurfaceColor(const TVect3<double>& rgb, ISurfColor& to) const {
+    RGBOps::SetIntensities(ColourAccess::Value<RGBModel>(to), rgb);
 }
 
 template <class Pol>
-int RGBModel<Pol>::SpectralConvertToRayColor(const ColorModel*, const MArray<double>&,
-                                             IRayColor&) const {
-    return NotAvailable(ClassName(), "SpectralConvertToRayColor");
+int RGBModel<Pol>::SpectralConvertToRayColor(const ColorModel* src, const MArray<double>& spectrum,
+                                             IRayColor& to) const {
+    RGBOps::SetIntensities(ColourAccess::Value<RGBModel>(to).Light(),
+                           RGBConversion::SpectrumRGB(src->GetWaveLengths(), spectrum));
+    ClampLgtColor(LightPart(to));
+    return 0;
 }
 
 template <class Pol>
-void RGBModel<Pol>::XYZToRGB(const TVect3<double>&, TVect3<double>&) const {
-    NotAvailable<void>(ClassName(), "XYZToRGB");
+void RGBModel<Pol>::XYZToRGB(const TVect3<double>& xyz, TVect3<double>& rgb) const {
+    rgb = RGBOps::ApplyM(xyz);
 }
 
 } // namespace Korvane

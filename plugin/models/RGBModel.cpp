@@ -3,9 +3,12 @@
 #include "plugin/models/RGBModel.h"
 
 #include "hostkit/base/User.h"
+#include "hostkit/cie/CIEConvAll.h"
 #include "plugin/colour/ColourValues.h"
 #include "plugin/frame/LibraryObjects.h"
-#include "plugin/models/NotAvailable.h"
+#include "plugin/models/ColourAccess.h"
+#include "plugin/models/ColourMath.h"
+#include "plugin/models/RGBOps.h"
 
 namespace Korvane {
 namespace {
@@ -19,10 +22,34 @@ constexpr ModelKind kRGBKind = Pol::kIsPolarized ? ModelKind::StkRGB : ModelKind
 // together; never decremented.
 int gRGBModelsCreated = 0;
 
+// The shared converter for a reconstruction, after the unpolarized RGB singleton was asked for.
+const CIEConvAll* ReconstructionConverter() {
+    RGBModel<Unpolarized>::GetModel();
+    return ColorModel::GetCIEConvAll();
+}
+
 } // namespace
 
 const char* BRGBModel::Tag() {
     return "RGB";
+}
+
+int BRGBModel::RGB2Spectrum(const TVect3<double>& rgb, const TArray<double>& waves,
+                            TArray<double>& spectrum, bool attr) {
+    const CIEConvAll* conv = ReconstructionConverter();
+    if (!conv)
+        return -1;
+    return attr ? conv->RGB2SpectrumAttr(rgb, waves, spectrum)
+                : conv->RGB2Spectrum(rgb, waves, spectrum);
+}
+
+int BRGBModel::RGB2Spectrum(const TVect3<double>& rgb, const TArray<double>& waves,
+                            double* spectrum, int n, bool attr) {
+    const CIEConvAll* conv = ReconstructionConverter();
+    if (!conv)
+        return -1;
+    return attr ? conv->RGB2SpectrumAttr(rgb, waves, spectrum, n)
+                : conv->RGB2Spectrum(rgb, waves, spectrum, n);
 }
 
 template <class Pol>
@@ -53,11 +80,6 @@ RGBModel<Pol>* RGBModel<Pol>::GetModel() {
 template <class Pol>
 PlugType* RGBModel<Pol>::ObjType() const {
     return ClassType();
-}
-
-template <class Pol>
-const char* RGBModel<Pol>::ClassName() {
-    return Pol::kIsPolarized ? "RGBModel<StokesPolarization>" : "RGBModel<Unpolarized>";
 }
 
 template <class Pol>
