@@ -29,6 +29,16 @@ template <class M>
 ArrayLgtColorHold<M>::~ArrayLgtColorHold() = default;
 
 template <class M>
+TArray<typename ArrayLgtColorHold<M>::Colour>& ArrayLgtColorHold<M>::Colours() {
+    return colours_;
+}
+
+template <class M>
+const TArray<typename ArrayLgtColorHold<M>::Colour>& ArrayLgtColorHold<M>::Colours() const {
+    return colours_;
+}
+
+template <class M>
 PlugType* ArrayLgtColorHold<M>::ClassType() {
     return ArrayLgtColorHoldType<M>::Slot();
 }
@@ -114,11 +124,11 @@ PlugType*& ArrayLgtColorHoldType<M>::Slot() {
     return type;
 }
 
-KORVANE_ARRAY_LGT_HOLDS_OF(template, BWModel<Unpolarized>)
-KORVANE_ARRAY_LGT_HOLDS_OF(template, BWModel<StokesPolarization>)
-KORVANE_ARRAY_LGT_HOLDS_OF(template, RGBModel<Unpolarized>)
-KORVANE_ARRAY_LGT_HOLDS_OF(template, RGBModel<StokesPolarization>)
-KORVANE_ARRAY_LGT_HOLDS_OF(template, SpectralModel<Unpolarized>)
-KORVANE_ARRAY_LGT_HOLDS_OF(template, SpectralModel<StokesPolarization>)
+KORVANE_ARRAY_LGT_HOLDS_OF(template class, BWModel<Unpolarized>)
+KORVANE_ARRAY_LGT_HOLDS_OF(template class, BWModel<StokesPolarization>)
+KORVANE_ARRAY_LGT_HOLDS_OF(template class, RGBModel<Unpolarized>)
+KORVANE_ARRAY_LGT_HOLDS_OF(template class, RGBModel<StokesPolarization>)
+KORVANE_ARRAY_LGT_HOLDS_OF(template class, SpectralModel<Unpolarized>)
+KORVANE_ARRAY_LGT_HOLDS_OF(template class, SpectralModel<StokesPolarization>)
 
 } // namespace Korvane

@@ -42,8 +42,8 @@ public:
     bool IsEqual(const ArrayLgtColorHolder& other) const override;
     bool IsNotEqual(const ArrayLgtColorHolder& other) const override;
 
-    TArray<Colour>& Colours() { return colours_; }
-    const TArray<Colour>& Colours() const { return colours_; }
+    TArray<Colour>& Colours();
+    const TArray<Colour>& Colours() const;
 
 private:
     TArray<Colour> colours_{10};
@@ -66,14 +66,14 @@ public:
 };
 
 #define KORVANE_ARRAY_LGT_HOLDS_OF(declare, M)                                                     \
-    declare class ArrayLgtColorHold<M>;                                                            \
-    declare class ArrayLgtColorHoldType<M>;
+    declare ArrayLgtColorHold<M>;                                                                  \
+    declare ArrayLgtColorHoldType<M>;
 
-KORVANE_ARRAY_LGT_HOLDS_OF(extern template, BWModel<Unpolarized>)
-KORVANE_ARRAY_LGT_HOLDS_OF(extern template, BWModel<StokesPolarization>)
-KORVANE_ARRAY_LGT_HOLDS_OF(extern template, RGBModel<Unpolarized>)
-KORVANE_ARRAY_LGT_HOLDS_OF(extern template, RGBModel<StokesPolarization>)
-KORVANE_ARRAY_LGT_HOLDS_OF(extern template, SpectralModel<Unpolarized>)
-KORVANE_ARRAY_LGT_HOLDS_OF(extern template, SpectralModel<StokesPolarization>)
+KORVANE_ARRAY_LGT_HOLDS_OF(extern template class KOR_PLUGIN_API, BWModel<Unpolarized>)
+KORVANE_ARRAY_LGT_HOLDS_OF(extern template class KOR_PLUGIN_API, BWModel<StokesPolarization>)
+KORVANE_ARRAY_LGT_HOLDS_OF(extern template class KOR_PLUGIN_API, RGBModel<Unpolarized>)
+KORVANE_ARRAY_LGT_HOLDS_OF(extern template class KOR_PLUGIN_API, RGBModel<StokesPolarization>)
+KORVANE_ARRAY_LGT_HOLDS_OF(extern template class KOR_PLUGIN_API, SpectralModel<Unpolarized>)
+KORVANE_ARRAY_LGT_HOLDS_OF(extern template class KOR_PLUGIN_API, SpectralModel<StokesPolarization>)
 
 } // namespace Korvane

@@ -18,6 +18,16 @@ template <class M>
 ArrayRayColorHold<M>::~ArrayRayColorHold() = default;
 
 template <class M>
+TArray<typename ArrayRayColorHold<M>::Colour>& ArrayRayColorHold<M>::Colours() {
+    return colours_;
+}
+
+template <class M>
+const TArray<typename ArrayRayColorHold<M>::Colour>& ArrayRayColorHold<M>::Colours() const {
+    return colours_;
+}
+
+template <class M>
 Plug* ArrayRayColorHold<M>::Clone() const {
     auto* copy = new ArrayRayColorHold(*this);
     if (copy && !IsWholeCopy(colours_, copy->colours_)) {

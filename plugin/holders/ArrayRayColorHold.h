@@ -28,18 +28,18 @@ public:
     IArray& Array() override;
     const IArray& Array() const override;
 
-    TArray<Colour>& Colours() { return colours_; }
-    const TArray<Colour>& Colours() const { return colours_; }
+    TArray<Colour>& Colours();
+    const TArray<Colour>& Colours() const;
 
 private:
     TArray<Colour> colours_{10};
 };
 
-extern template class ArrayRayColorHold<BWModel<Unpolarized>>;
-extern template class ArrayRayColorHold<BWModel<StokesPolarization>>;
-extern template class ArrayRayColorHold<RGBModel<Unpolarized>>;
-extern template class ArrayRayColorHold<RGBModel<StokesPolarization>>;
-extern template class ArrayRayColorHold<SpectralModel<Unpolarized>>;
-extern template class ArrayRayColorHold<SpectralModel<StokesPolarization>>;
+extern template class KOR_PLUGIN_API ArrayRayColorHold<BWModel<Unpolarized>>;
+extern template class KOR_PLUGIN_API ArrayRayColorHold<BWModel<StokesPolarization>>;
+extern template class KOR_PLUGIN_API ArrayRayColorHold<RGBModel<Unpolarized>>;
+extern template class KOR_PLUGIN_API ArrayRayColorHold<RGBModel<StokesPolarization>>;
+extern template class KOR_PLUGIN_API ArrayRayColorHold<SpectralModel<Unpolarized>>;
+extern template class KOR_PLUGIN_API ArrayRayColorHold<SpectralModel<StokesPolarization>>;
 
 } // namespace Korvane

@@ -90,6 +90,16 @@ const typename ColorHold<K>::Interface& ColorHold<K>::Color() const {
 }
 
 template <class K>
+K& ColorHold<K>::Value() {
+    return colour_;
+}
+
+template <class K>
+const K& ColorHold<K>::Value() const {
+    return colour_;
+}
+
+template <class K>
 ColorHoldType<K>::ColorHoldType()
     : PlugType(HolderIdent<K>().c_str(), Holder<typename K::Interface>::ClassType(), true,
                nullptr) {}
@@ -119,11 +129,11 @@ PlugType*& ColorHoldType<K>::Slot() {
     return type;
 }
 
-KORVANE_COLOR_HOLDS_OF(template, BWModel<Unpolarized>)
-KORVANE_COLOR_HOLDS_OF(template, BWModel<StokesPolarization>)
-KORVANE_COLOR_HOLDS_OF(template, RGBModel<Unpolarized>)
-KORVANE_COLOR_HOLDS_OF(template, RGBModel<StokesPolarization>)
-KORVANE_COLOR_HOLDS_OF(template, SpectralModel<Unpolarized>)
-KORVANE_COLOR_HOLDS_OF(template, SpectralModel<StokesPolarization>)
+KORVANE_COLOR_HOLDS_OF(template class, BWModel<Unpolarized>)
+KORVANE_COLOR_HOLDS_OF(template class, BWModel<StokesPolarization>)
+KORVANE_COLOR_HOLDS_OF(template class, RGBModel<Unpolarized>)
+KORVANE_COLOR_HOLDS_OF(template class, RGBModel<StokesPolarization>)
+KORVANE_COLOR_HOLDS_OF(template class, SpectralModel<Unpolarized>)
+KORVANE_COLOR_HOLDS_OF(template class, SpectralModel<StokesPolarization>)
 
 } // namespace Korvane

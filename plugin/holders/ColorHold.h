@@ -40,8 +40,8 @@ public:
     Interface& Color() override;
     const Interface& Color() const override;
 
-    K& Value() { return colour_; }
-    const K& Value() const { return colour_; }
+    K& Value();
+    const K& Value() const;
 
 private:
     K colour_{};
@@ -67,22 +67,22 @@ public:
 
 // The holder and its type for the five kinds of model M.
 #define KORVANE_COLOR_HOLDS_OF(declare, M)                                                         \
-    declare class ColorHold<LgtColor<M>>;                                                          \
-    declare class ColorHold<RayColor<M>>;                                                          \
-    declare class ColorHold<SurfColor<M>>;                                                         \
-    declare class ColorHold<ScalarColor<M>>;                                                       \
-    declare class ColorHold<DualLgtColor<M>>;                                                      \
-    declare class ColorHoldType<LgtColor<M>>;                                                      \
-    declare class ColorHoldType<RayColor<M>>;                                                      \
-    declare class ColorHoldType<SurfColor<M>>;                                                     \
-    declare class ColorHoldType<ScalarColor<M>>;                                                   \
-    declare class ColorHoldType<DualLgtColor<M>>;
+    declare ColorHold<LgtColor<M>>;                                                                \
+    declare ColorHold<RayColor<M>>;                                                                \
+    declare ColorHold<SurfColor<M>>;                                                               \
+    declare ColorHold<ScalarColor<M>>;                                                             \
+    declare ColorHold<DualLgtColor<M>>;                                                            \
+    declare ColorHoldType<LgtColor<M>>;                                                            \
+    declare ColorHoldType<RayColor<M>>;                                                            \
+    declare ColorHoldType<SurfColor<M>>;                                                           \
+    declare ColorHoldType<ScalarColor<M>>;                                                         \
+    declare ColorHoldType<DualLgtColor<M>>;
 
-KORVANE_COLOR_HOLDS_OF(extern template, BWModel<Unpolarized>)
-KORVANE_COLOR_HOLDS_OF(extern template, BWModel<StokesPolarization>)
-KORVANE_COLOR_HOLDS_OF(extern template, RGBModel<Unpolarized>)
-KORVANE_COLOR_HOLDS_OF(extern template, RGBModel<StokesPolarization>)
-KORVANE_COLOR_HOLDS_OF(extern template, SpectralModel<Unpolarized>)
-KORVANE_COLOR_HOLDS_OF(extern template, SpectralModel<StokesPolarization>)
+KORVANE_COLOR_HOLDS_OF(extern template class KOR_PLUGIN_API, BWModel<Unpolarized>)
+KORVANE_COLOR_HOLDS_OF(extern template class KOR_PLUGIN_API, BWModel<StokesPolarization>)
+KORVANE_COLOR_HOLDS_OF(extern template class KOR_PLUGIN_API, RGBModel<Unpolarized>)
+KORVANE_COLOR_HOLDS_OF(extern template class KOR_PLUGIN_API, RGBModel<StokesPolarization>)
+KORVANE_COLOR_HOLDS_OF(extern template class KOR_PLUGIN_API, SpectralModel<Unpolarized>)
+KORVANE_COLOR_HOLDS_OF(extern template class KOR_PLUGIN_API, SpectralModel<StokesPolarization>)
 
 } // namespace Korvane

@@ -32,6 +32,16 @@ template <class M>
 MatrixLgtColorHold<M>::~MatrixLgtColorHold() = default;
 
 template <class M>
+TMatrix<typename MatrixLgtColorHold<M>::Colour>& MatrixLgtColorHold<M>::Colours() {
+    return colours_;
+}
+
+template <class M>
+const TMatrix<typename MatrixLgtColorHold<M>::Colour>& MatrixLgtColorHold<M>::Colours() const {
+    return colours_;
+}
+
+template <class M>
 PlugType* MatrixLgtColorHold<M>::ClassType() {
     return MatrixLgtColorHoldType<M>::Slot();
 }
@@ -134,11 +144,11 @@ PlugType*& MatrixLgtColorHoldType<M>::Slot() {
     return type;
 }
 
-KORVANE_MATRIX_LGT_HOLDS_OF(template, BWModel<Unpolarized>)
-KORVANE_MATRIX_LGT_HOLDS_OF(template, BWModel<StokesPolarization>)
-KORVANE_MATRIX_LGT_HOLDS_OF(template, RGBModel<Unpolarized>)
-KORVANE_MATRIX_LGT_HOLDS_OF(template, RGBModel<StokesPolarization>)
-KORVANE_MATRIX_LGT_HOLDS_OF(template, SpectralModel<Unpolarized>)
-KORVANE_MATRIX_LGT_HOLDS_OF(template, SpectralModel<StokesPolarization>)
+KORVANE_MATRIX_LGT_HOLDS_OF(template class, BWModel<Unpolarized>)
+KORVANE_MATRIX_LGT_HOLDS_OF(template class, BWModel<StokesPolarization>)
+KORVANE_MATRIX_LGT_HOLDS_OF(template class, RGBModel<Unpolarized>)
+KORVANE_MATRIX_LGT_HOLDS_OF(template class, RGBModel<StokesPolarization>)
+KORVANE_MATRIX_LGT_HOLDS_OF(template class, SpectralModel<Unpolarized>)
+KORVANE_MATRIX_LGT_HOLDS_OF(template class, SpectralModel<StokesPolarization>)
 
 } // namespace Korvane

@@ -43,8 +43,8 @@ public:
     void Fill(const ILgtColor& color) override;
     ILgtColor* Element(int i, int j) override;
 
-    TMatrix<Colour>& Colours() { return colours_; }
-    const TMatrix<Colour>& Colours() const { return colours_; }
+    TMatrix<Colour>& Colours();
+    const TMatrix<Colour>& Colours() const;
 
 private:
     TMatrix<Colour> colours_;
@@ -68,14 +68,14 @@ public:
 };
 
 #define KORVANE_MATRIX_LGT_HOLDS_OF(declare, M)                                                    \
-    declare class MatrixLgtColorHold<M>;                                                           \
-    declare class MatrixLgtColorHoldType<M>;
+    declare MatrixLgtColorHold<M>;                                                                 \
+    declare MatrixLgtColorHoldType<M>;
 
-KORVANE_MATRIX_LGT_HOLDS_OF(extern template, BWModel<Unpolarized>)
-KORVANE_MATRIX_LGT_HOLDS_OF(extern template, BWModel<StokesPolarization>)
-KORVANE_MATRIX_LGT_HOLDS_OF(extern template, RGBModel<Unpolarized>)
-KORVANE_MATRIX_LGT_HOLDS_OF(extern template, RGBModel<StokesPolarization>)
-KORVANE_MATRIX_LGT_HOLDS_OF(extern template, SpectralModel<Unpolarized>)
-KORVANE_MATRIX_LGT_HOLDS_OF(extern template, SpectralModel<StokesPolarization>)
+KORVANE_MATRIX_LGT_HOLDS_OF(extern template class KOR_PLUGIN_API, BWModel<Unpolarized>)
+KORVANE_MATRIX_LGT_HOLDS_OF(extern template class KOR_PLUGIN_API, BWModel<StokesPolarization>)
+KORVANE_MATRIX_LGT_HOLDS_OF(extern template class KOR_PLUGIN_API, RGBModel<Unpolarized>)
+KORVANE_MATRIX_LGT_HOLDS_OF(extern template class KOR_PLUGIN_API, RGBModel<StokesPolarization>)
+KORVANE_MATRIX_LGT_HOLDS_OF(extern template class KOR_PLUGIN_API, SpectralModel<Unpolarized>)
+KORVANE_MATRIX_LGT_HOLDS_OF(extern template class KOR_PLUGIN_API, SpectralModel<StokesPolarization>)
 
 } // namespace Korvane
