@@ -2,6 +2,9 @@
 #include "hostkit/base/FaultInjection.h"
 #include "hostkit/base/Module.h"
 #include "hostkit/base/User.h"
+#include "hostkit/colormodel/ColorModel.h"
+#include "hostkit/colormodel/ColorModelType.h"
+#include "hostkit/plugsys/PlugFile.h"
 #include "hostkit/plugsys/PlugRef.h"
 #include "hostkit/plugsys/PlugType.h"
 #include "hostkit/plugsys/PluginLoader.h"
@@ -160,8 +163,47 @@ TEST(PluginLoader, LoadsTheColourModelPlugIn) {
     EXPECT_EQ(LoadingModule(), loader.Module());
     EXPECT_EQ(PluginLoadingCalls(), callsBefore + 1);
     const std::vector<std::string> types = loader.RegisteredTypes();
+    EXPECT_EQ(types.size(), 50u);
+    std::vector<std::string> models;
+    for (ColorModel* model : TColorModel->Models())
+        models.push_back(model->Name());
+    EXPECT_EQ(models, (std::vector<std::string>{"UBW", "StkBW", "URGB", "StkRGB", "USpectr",
+                                                "StkSpectr", "XYZ", "XYY"}));
+    EXPECT_EQ(ColorModel::GetImplicitModel(), TColorModel->FindModel("USpectr"));
+
+    // A holder that the host makes through its type keeps its colour through a plug file.
+    {
+        const ColorModel* stokes = TColorModel->FindModel("StkRGB");
+        PlugRef holder = PlugType::Find("StkRGBRayColorHold")->NewInstance();
+        IRayColor& ray = static_cast<Holder<IRayColor>*>(holder.Get())->Color();
+        TVect3<double> xort(0.0, 0.0, 0.0);
+        EXPECT_TRUE(stokes->GetXOrt(ray, xort));
+        EXPECT_EQ(xort, TVect3<double>(1.0, 0.0, 0.0)); // a new polarized ray faces x
+        stokes->SetXOrt(ray, TVect3<double>(0.0, 0.6, 0.8));
+        const std::string path = std::string(KORVANE_TEST_SCRATCH_DIR) + "/ray-holder.plug";
+        ASSERT_EQ(PlugFile::Save(*holder.Get(), path.c_str(), ArchiveFormat::Text), 0);
+        std::string error;
+        PlugRef loaded = PlugFile::Load(path.c_str(), error);
+        ASSERT_TRUE(loaded) << error;
+        EXPECT_EQ(loaded.Get()->ObjType(), holder.Get()->ObjType());
+        stokes->GetXOrt(static_cast<Holder<IRayColor>*>(loaded.Get())->Color(), xort);
+        EXPECT_EQ(xort, TVect3<double>(0.0, 0.6, 0.8));
+    }
+
     loader.Unload();
     for (const std::string& ident : types)
         EXPECT_EQ(PlugType::Find(ident.c_str()), nullptr) << ident;
+    EXPECT_TRUE(TColorModel->Models().empty());
+    EXPECT_EQ(ColorModel::GetImplicitModel(), nullptr);
     EXPECT_TRUE(Texts(ReportKind::InternalError).empty());
+
+    // Registration that runs out of memory half-way leaves nothing behind either.
+    {
+        FaultInjection::ScopedFailure fail(FaultInjection::PlugAlloc, 30);
+        EXPECT_EQ(loader.Load(KORVANE_COLOUR_MODULE_PATH), kErrorMessageCode);
+    }
+    EXPECT_EQ(loader.Failure(), LoadFailure::InitFailed);
+    for (const std::string& ident : types)
+        EXPECT_EQ(PlugType::Find(ident.c_str()), nullptr) << ident;
+    EXPECT_TRUE(TColorModel->Models().empty());
 }
