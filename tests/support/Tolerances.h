@@ -64,4 +64,17 @@ inline constexpr double kLuminanceRowSum = 1e-15;
 // the rounded inversion, the sums and one division, a few ulp of values near 0.3; seen 0.
 inline constexpr double kGreyChromaticity = 1e-15;
 
+// -- spectral model: energy, density and display ------------------------------------------------
+
+// A value multiplied by a trapezoid weight and then by the rounded reciprocal of that weight:
+// the reciprocal and the two products round once each, under 1.5 ulp (3.3e-16) relative; seen
+// 2.2e-16.
+inline constexpr double kReciprocalRoundTrip = 4e-16;
+// Error, relative to the largest channel, between a weighted sum over per-wavelength spike
+// responses (a model's XYZ table times the inverse weights, or a mass converter table) and the
+// host converter's integral of the whole spectrum, which by linearity is the same sum: each
+// response, product and partial sum rounds once (1.1e-16 relative) over up to 41 wavelengths;
+// seen 1.8e-15 over 300 random grids of 2 to 41 points.
+inline constexpr double kSpikeTableSum = 1e-14;
+
 } // namespace Korvane::Tol
