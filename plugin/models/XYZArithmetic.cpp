@@ -1,88 +1,139 @@
-// XYZModel: energy, luminance, arithmetic, clamping and validity of XYZ colours.
+// XYZModel: energy, luminance, arithmetic, clamping and validity of XYZ colours. XYZ is linear in
+// the light, so sums, scales and the other arithmetic work value by value as in the unpolarized
+// RGB model.
 #include "plugin/models/XYZModel.h"
 
-#include "plugin/models/NotAvailable.h"
+#include "hostkit/cie/CIEConvAll.h"
+#include "plugin/models/CIETriple.h"
 
 namespace Korvane {
+namespace {
 
-bool XYZModel::IsValidSurfColor(const ISurfColor&) const {
-    return NotAvailable<bool>(ClassName(), "IsValidSurfColor");
+using ColourAccess::Value;
+
+void AddInto(const TVect3<double>& from, double f, double* to) {
+    for (int k = 0; k < 3; ++k)
+        to[k] += f * from[k];
 }
 
-bool XYZModel::IsValidLgtColor(const ILgtColor&) const {
-    return NotAvailable<bool>(ClassName(), "IsValidLgtColor");
+// Scales the colour so that its values sum to 1: (0, 0, 0) is read as (1, 1, 1) first, and a
+// colour that already sums to exactly 1 is left alone.
+void NormalizeSum(ILgtColor& c) {
+    auto& v = Value<XYZModel>(c);
+    double s = CIETriple::Sum(CIETriple::Get(c));
+    if (s == 0.0) {
+        v[0] = v[1] = v[2] = 1.0;
+        s = CIETriple::Sum(CIETriple::Get(c));
+    }
+    if (s == 1.0)
+        return;
+    const double f = 1.0 / s;
+    for (int k = 0; k < 3; ++k)
+        v[k] *= f;
 }
 
-int XYZModel::ClampSurfColor(ISurfColor&) const {
-    return NotAvailable(ClassName(), "ClampSurfColor");
+// R + G + B of M xyz.
+double RGBEnergy(const TVect3<double>& xyz) {
+    return CIETriple::Sum(CIETriple::ToRGB(xyz));
 }
 
-void XYZModel::ClampLgtColor(ILgtColor&) const {
-    NotAvailable<void>(ClassName(), "ClampLgtColor");
+} // namespace
+
+bool XYZModel::IsValidSurfColor(const ISurfColor& c) const {
+    double v[3];
+    SurfToArray(c, v);
+    return GetCIEConv()->IsValidXYZ(v[0], v[1], v[2]);
 }
 
-void XYZModel::AddLgtToArray(const ILgtColor&, double*) const {
-    NotAvailable<void>(ClassName(), "AddLgtToArray");
+bool XYZModel::IsValidLgtColor(const ILgtColor& c) const {
+    const TVect3<double> t = CIETriple::Get(c);
+    return t.x >= 0.0 && t.y >= 0.0 && t.z >= 0.0;
 }
 
-void XYZModel::AddRayToArray(const IRayColor&, double*) const {
-    NotAvailable<void>(ClassName(), "AddRayToArray");
+int XYZModel::ClampSurfColor(ISurfColor& c) const {
+    double v[3];
+    SurfToArray(c, v);
+    if (GetCIEConv()->IsValidXYZ(v[0], v[1], v[2]))
+        return 1;
+    const double black[3] = {0.0, 0.0, 0.0};
+    SetSurfColor(c, black);
+    return 0;
 }
 
-double XYZModel::RayEnergy(const ILgtColor&) const {
-    return NotAvailable<double>(ClassName(), "RayEnergy(light)");
+void XYZModel::ClampLgtColor(ILgtColor& c) const {
+    auto& v = Value<XYZModel>(c);
+    for (int k = 0; k < 3; ++k)
+        if (!(v[k] >= 0.0))
+            v[k] = 0.0;
 }
 
-double XYZModel::LgtLuminance(const ILgtColor&) const {
-    return NotAvailable<double>(ClassName(), "LgtLuminance");
+void XYZModel::AddLgtToArray(const ILgtColor& c, double* out) const {
+    AddInto(CIETriple::Get(c), 1.0, out);
 }
 
-double XYZModel::SumLgtValues(const ILgtColor&) const {
-    return NotAvailable<double>(ClassName(), "SumLgtValues");
+void XYZModel::AddRayToArray(const IRayColor& c, double* out) const {
+    AddInto(CIETriple::Get(LightPart(c)), 1.0, out);
 }
 
-double XYZModel::RayEnergy(const IRayColor&) const {
-    return NotAvailable<double>(ClassName(), "RayEnergy(ray)");
+double XYZModel::RayEnergy(const ILgtColor& c) const {
+    return RGBEnergy(CIETriple::Get(c));
 }
 
-void XYZModel::AddLgtColor(const ILgtColor&, ILgtColor&) const {
-    NotAvailable<void>(ClassName(), "AddLgtColor");
+double XYZModel::LgtLuminance(const ILgtColor& c) const {
+    return CIETriple::Get(c).y;
 }
 
-void XYZModel::MulLgtColorByArray(ILgtColor&, const double*) const {
-    NotAvailable<void>(ClassName(), "MulLgtColorByArray");
+double XYZModel::SumLgtValues(const ILgtColor& c) const {
+    if (!GetCIEConvAll())
+        return 0.0;
+    const TVect3<double> t = CIETriple::Get(c);
+    return TCIEConvAll->XYZ2Watts(t.x, t.y, t.z);
 }
 
-void XYZModel::ScaleLgtColor(ILgtColor&, double) const {
-    NotAvailable<void>(ClassName(), "ScaleLgtColor");
+double XYZModel::RayEnergy(const IRayColor& c) const {
+    return RGBEnergy(CIETriple::Get(LightPart(c)));
 }
 
-void XYZModel::MulLgtColorByRatio(ILgtColor&, const double*, const double*) const {
-    NotAvailable<void>(ClassName(), "MulLgtColorByRatio");
+void XYZModel::AddLgtColor(const ILgtColor& from, ILgtColor& to) const {
+    AddInto(CIETriple::Get(from), 1.0, Value<XYZModel>(to).Values());
 }
 
-void XYZModel::NormalizeLgtColor(ILgtColor&) const {
-    NotAvailable<void>(ClassName(), "NormalizeLgtColor(light)");
+void XYZModel::MulLgtColorByArray(ILgtColor& c, const double* factors) const {
+    CIETriple::MulByArray(c, factors);
 }
 
-void XYZModel::NormalizeLgtColor(IRayColor&) const {
-    NotAvailable<void>(ClassName(), "NormalizeLgtColor(ray)");
+void XYZModel::ScaleLgtColor(ILgtColor& c, double factor) const {
+    auto& v = Value<XYZModel>(c);
+    for (int k = 0; k < 3; ++k)
+        v[k] *= factor;
 }
 
-void XYZModel::AddScaledLgt(const ILgtColor&, double, ILgtColor&) const {
-    NotAvailable<void>(ClassName(), "AddScaledLgt");
+void XYZModel::MulLgtColorByRatio(ILgtColor& c, const double* a, const double* b) const {
+    CIETriple::MulByRatio(c, a, b);
 }
 
-void XYZModel::AddScaledLgt2(const IRayColor&, double, IRayColor&) const {
-    NotAvailable<void>(ClassName(), "AddScaledLgt2");
+void XYZModel::NormalizeLgtColor(ILgtColor& c) const {
+    NormalizeSum(c);
 }
 
-void XYZModel::AddScaledLgt3(const IRayColor&, double, ILgtColor&) const {
-    NotAvailable<void>(ClassName(), "AddScaledLgt3");
+void XYZModel::NormalizeLgtColor(IRayColor& c) const {
+    NormalizeSum(LightPart(c));
 }
 
-double XYZModel::SumLgtColor(const ILgtColor&) const {
-    return NotAvailable<double>(ClassName(), "SumLgtColor");
+void XYZModel::AddScaledLgt(const ILgtColor& from, double f, ILgtColor& to) const {
+    AddInto(CIETriple::Get(from), f, Value<XYZModel>(to).Values());
+}
+
+void XYZModel::AddScaledLgt2(const IRayColor& from, double f, IRayColor& to) const {
+    AddInto(CIETriple::Get(LightPart(from)), f, Value<XYZModel>(LightPart(to)).Values());
+}
+
+void XYZModel::AddScaledLgt3(const IRayColor& from, double f, ILgtColor& to) const {
+    AddInto(CIETriple::Get(LightPart(from)), f, Value<XYZModel>(to).Values());
+}
+
+double XYZModel::SumLgtColor(const ILgtColor& c) const {
+    return CIETriple::Sum(CIETriple::Get(c));
 }
 
 } // namespace Korvane
