@@ -77,6 +77,20 @@ inline constexpr double kReciprocalRoundTrip = 4e-16;
 // seen 1.8e-15 over 300 random grids of 2 to 41 points.
 inline constexpr double kSpikeTableSum = 1e-14;
 
+// -- XYZ and xyY models ------------------------------------------------------------------------
+
+// The chromaticity of a column or row sum of N against the published primary or white that N was
+// derived from: one rounded 3x3 derivation, a sum and a division, a few ulp of values up to 0.6
+// (1.1e-16 there); seen 1.1e-16.
+inline constexpr double kPrimaryChromaticity = 1e-15;
+// xyY colours summed through XYZ and back: a reciprocal of y, a few products and sums of values
+// up to 5, and the reciprocal of X + Y + Z, each rounded once; seen 1.1e-16 on values near 1.
+inline constexpr double kXYYSum = 1e-15;
+// Relative error of each value of a ray scaled to its light's energy against the same scaling
+// done here: xyY by a reciprocal or a division, the ratio E / sum and one product per value,
+// a few roundings of 1.1e-16 each; seen 0.
+inline constexpr double kCIERayScaling = 1e-15;
+
 // -- RGB model -----------------------------------------------------------------------------------
 
 // R + G + B of a ray colour scaled to carry a given energy E: the ratio E / sum, the three
