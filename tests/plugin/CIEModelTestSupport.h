@@ -1,5 +1,5 @@
 // What the XYZ and xyY model tests share: every model made as registration makes it, and
-// three-value colours written and read as triples.
+// three-value and spectral colours built from plain values.
 #pragma once
 
 #include "ModelTestSupport.h"
@@ -32,22 +32,13 @@ struct CIEModels {
                        new RGBModel<StokesPolarization>(),
                        new SpectralModel<Unpolarized>(),
                        new SpectralModel<StokesPolarization>()};
-    const XYZModel& xyz = As<XYZModel>(0);
-    const XYYModel& xyy = As<XYYModel>(1);
-    const ColorModel& bwU = As<ColorModel>(2);
-    const ColorModel& bwS = As<ColorModel>(3);
-    const ColorModel& rgbU = As<ColorModel>(4);
-    const ColorModel& rgbS = As<ColorModel>(5);
-    const ColorModel& spU = As<ColorModel>(6);
-    const ColorModel& spS = As<ColorModel>(7);
+    const ColorModel &xyz = At(0), &xyy = At(1), &bwS = At(3), &rgbS = At(5), &spU = At(6),
+                     &spS = At(7);
 
-    template <class M>
-    const M& As(int i) const {
-        return *static_cast<const M*>(refs[i].Get());
-    }
+    const ColorModel& At(int i) const { return *static_cast<const ColorModel*>(refs[i].Get()); }
 };
 
-// A three-value colour of the XYZ or xyY model (light, surface, scalar) from a triple, and back.
+// A three-value colour (XYZ, xyY, unpolarized RGB) from a triple, and back.
 template <class V>
 V Triple(double a, double b, double c) {
     V v;
@@ -67,7 +58,8 @@ inline void ExpectNear(const TVect3<double>& got, const TVect3<double>& want, do
         EXPECT_NEAR(got[k], want[k], tol) << "value " << k;
 }
 
-// A spectral colour of `model` holding `values`, one per wavelength (light: I, surface: (0,0)).
+// A spectral colour of `model`: values[i] is the intensity (I, or Mueller element (0,0)) of
+// wavelength i, every other element 0.
 template <class V>
 V Spectral(const ColorModel& model, const std::vector<double>& values) {
     V c;
