@@ -237,6 +237,11 @@ TEST(RGBModelRay, SpectralLightCarriesTheSourceEnergy) {
     for (int c = 0; c < 3; ++c)
         EXPECT_EQ(ray.Light()[c], plain[c] * (2.5 / RGBOps::SumIntensities(plain)));
     EXPECT_NEAR(RGBOps::SumIntensities(ray.Light()), 2.5, 2.5 * Tol::kRGBRayEnergy);
+    // With the spectral model's own energy, R + G + B of the ray is that energy.
+    TPlugRef<SpU> spectral{new SpU()};
+    ASSERT_EQ(m.rgbU->ConvertToRayColor(spectral.Get(), unp, ray), 0);
+    const double e = spectral->LgtEnergy(unp);
+    EXPECT_NEAR(RGBOps::SumIntensities(ray.Light()), e, e * Tol::kRGBRayEnergy);
 
     // Polarized: all twelve values scaled by E / (sum of intensities); X orientation kept.
     const auto pol = Spectral<LgtColor<SpS>>(s);
