@@ -44,16 +44,14 @@ void Pattern(RayColour<M, L, kPolarized>& c, double seed) {
 
 // The plug written by its type into an archive of `format`.
 inline std::string Write(Plug& plug, ArchiveFormat format) {
-    if (format == ArchiveFormat::Binary) {
-        BinarySerializer archive;
+    auto write = [&](auto& archive) {
         EXPECT_EQ(plug.ObjType()->SerializeInstance(&plug, archive), 0);
         EXPECT_EQ(archive.Finish(), 0) << archive.Error();
-        return archive.Bytes();
-    }
-    TextSerializer archive;
-    EXPECT_EQ(plug.ObjType()->SerializeInstance(&plug, archive), 0);
-    EXPECT_EQ(archive.Finish(), 0) << archive.Error();
-    return archive.Text();
+    };
+    BinarySerializer binary;
+    TextSerializer text;
+    format == ArchiveFormat::Binary ? write(binary) : write(text);
+    return format == ArchiveFormat::Binary ? binary.Bytes() : text.Text();
 }
 
 // Reads `bytes` into the plug through its type; the archive's error, empty when all was read.
