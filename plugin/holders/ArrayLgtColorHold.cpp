@@ -50,12 +50,7 @@ PlugType* ArrayLgtColorHold<M>::ObjType() const {
 
 template <class M>
 Plug* ArrayLgtColorHold<M>::Clone() const {
-    auto* copy = new ArrayLgtColorHold(*this);
-    if (copy && !IsWholeCopy(colours_, copy->colours_)) {
-        delete copy;
-        return nullptr;
-    }
-    return copy;
+    return CloneWhole(*this, &ArrayLgtColorHold::Colours);
 }
 
 template <class M>

@@ -29,12 +29,7 @@ const TArray<typename ArrayRayColorHold<M>::Colour>& ArrayRayColorHold<M>::Colou
 
 template <class M>
 Plug* ArrayRayColorHold<M>::Clone() const {
-    auto* copy = new ArrayRayColorHold(*this);
-    if (copy && !IsWholeCopy(colours_, copy->colours_)) {
-        delete copy;
-        return nullptr;
-    }
-    return copy;
+    return CloneWhole(*this, &ArrayRayColorHold::Colours);
 }
 
 template <class M>

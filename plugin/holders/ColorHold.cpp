@@ -71,12 +71,7 @@ PlugType* ColorHold<K>::ObjType() const {
 
 template <class K>
 Plug* ColorHold<K>::Clone() const {
-    auto* copy = new ColorHold(*this);
-    if (copy && !IsWholeCopy(colour_, copy->colour_)) {
-        delete copy;
-        return nullptr;
-    }
-    return copy;
+    return CloneWhole(*this, &ColorHold::Value);
 }
 
 template <class K>

@@ -53,12 +53,7 @@ PlugType* MatrixLgtColorHold<M>::ObjType() const {
 
 template <class M>
 Plug* MatrixLgtColorHold<M>::Clone() const {
-    auto* copy = new MatrixLgtColorHold(*this);
-    if (copy && !IsWholeCopy(colours_, copy->colours_)) {
-        delete copy;
-        return nullptr;
-    }
-    return copy;
+    return CloneWhole(*this, &MatrixLgtColorHold::Colours);
 }
 
 template <class M>

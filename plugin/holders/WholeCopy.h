@@ -1,11 +1,12 @@
 // Whether a copy of a colour value, or of a container of them, is whole. Copying a spectral
 // colour allocates samples of its own, and when that fails the copy is left empty; a container
 // copy whose storage cannot be allocated is left empty too. Holders test their copies with
-// IsWholeCopy, so that a clone is either a true copy or none at all.
+// IsWholeCopy, so that a clone is either a true copy or none at all (CloneWhole).
 #pragma once
 
 #include "hostkit/base/containers/TArray.h"
 #include "hostkit/base/containers/TMatrix.h"
+#include "hostkit/plugsys/Plug.h"
 #include "plugin/colour/ColourValues.h"
 
 namespace Korvane {
@@ -46,6 +47,18 @@ bool IsWholeCopy(const TMatrix<V>& from, const TMatrix<V>& copy) {
         if (!IsWholeCopy(from.Data()[i], copy.Data()[i]))
             return false;
     return true;
+}
+
+// A copy of holder `h` made by its copy constructor, or null when memory runs out for the plug
+// or for the values that it holds, reached through `held`.
+template <class H, class V>
+Plug* CloneWhole(const H& h, const V& (H::*held)() const) {
+    H* copy = new H(h);
+    if (copy && !IsWholeCopy((h.*held)(), (copy->*held)())) {
+        delete copy;
+        return nullptr;
+    }
+    return copy;
 }
 
 } // namespace Korvane
