@@ -114,3 +114,23 @@ TEST_F(SpectralOut, MissingScratchArrayLeavesTheOutputAlone) {
     EXPECT_EQ(rgb, untouched);
     EXPECT_EQ(ReportLog::Count(), 0u);
 }
+
+TEST_F(SpectralOut, ChromaticityComesFromTheXYZModel) {
+    Library::Slot(ModelKind::XYZ).model = new XYZModel();
+    SetIntensities(c, density);
+    TVect3<double> xyz;
+    CIEConv::spectrum2xyz(model->GetWaveLengths(), density, xyz);
+    double luminance = 0.0;
+    TVect2<double> xy;
+    model->GetChromaticity(c, luminance, xy);
+    const double sum = xyz.x + xyz.y + xyz.z;
+    EXPECT_EQ(luminance, 683.0 * xyz.y); // 683 lm/W, the luminous efficacy at 555 nm
+    EXPECT_NEAR(xy.x, xyz.x / sum, Tol::kChromaticityRounding);
+    EXPECT_NEAR(xy.y, xyz.y / sum, Tol::kChromaticityRounding);
+    // The XYZ model takes no polarized spectral light: all three are 0.
+    LgtColor<SpectralModel<StokesPolarization>> s;
+    SetIntensities(s, density);
+    stokes->GetChromaticity(s, luminance, xy);
+    EXPECT_EQ(luminance + xy.x + xy.y, 0.0);
+    EXPECT_EQ(ReportLog::Entries().back().text, "Not supported XYZ light color conversion");
+}
