@@ -97,16 +97,19 @@ void BWModel<Pol>::AddRayToArray(const IRayColor& c, double* out) const {
 }
 
 // The energy that the light carries when measured on the shared 380..780 nm spectral model: the
-// colour converted into a light colour of that model, then that model's LgtEnergy. 0.0 when the
-// model cannot be had, when its holder cannot be made (reported as no memory) or when the
-// conversion fails (reported by it).
+// colour converted into a light colour of that model, then that model's LgtEnergy. A new holder's
+// spectral colour is empty, so it is first sized to the model's grid for the conversion to write
+// into. 0.0 when the model cannot be had, when the holder or its colour cannot be made (reported
+// as no memory) or when the conversion fails (reported by it). The holder goes with the call.
 template <class Pol>
 double BWModel<Pol>::RayEnergy(const ILgtColor& c) const {
-    SpectralModel<Unpolarized>* model = SpectralModel<Unpolarized>::GetModel_380_780();
+    using Spectral = SpectralModel<Unpolarized>;
+    Spectral* model = Spectral::GetModel_380_780();
     if (model == nullptr)
         return 0.0;
     TPlugRef<Holder<ILgtColor>> holder = model->NewLgtColorHold();
-    if (holder.Get() == nullptr) {
+    if (holder.Get() == nullptr ||
+        ColourAccess::Value<Spectral>(holder->Color()).Distr().SetLength(model->NWaves()) != 0) {
         User()->ErrorNoMemory(-1);
         return 0.0;
     }
