@@ -188,6 +188,11 @@ TEST(BWModelConversion, RaysGetTheGreyAndKeepTheirOrientation) {
     ASSERT_EQ(m.bwStk.ConvertToRayColor(&m.rgb, Make<LgtColor<RGBU>>({0.3, 0.6, 0.9}), ray), 0);
     EXPECT_EQ(ray.Light()[0], kRGBMean);
     EXPECT_EQ(ray.XOrt(), TVect3<double>(0.0, 1.0, 0.0));
+    LgtColor<SpU> light; // a spectral source hands over its energy: 0.5 over 390..710 nm
+    ASSERT_EQ(light.Distr().SetLength(m.sp.NWaves()), 0);
+    m.sp.FillColor(light, 0.5);
+    ASSERT_EQ(m.bwStk.ConvertToRayColor(&m.sp, light, ray), 0);
+    EXPECT_EQ(ray.Light(), Stokes(160.0, 0, 0, 0));
     MArray<double> flat(10);
     ASSERT_EQ(flat.Alloc(m.sp.NWaves()), 0);
     flat.Fill(0.7); // a flat spectrum keeps its value under the ybar-weighted mean
