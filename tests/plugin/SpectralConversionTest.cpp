@@ -1,0 +1,211 @@
+// Conversions into the spectral model: each source branch against the host converter's own
+// primitives, the refusals with their messages and codes, and the ray and surface shortcuts.
+#include "ModelTestSupport.h"
+#include "tests/support/TestModel.h"
+#include "tests/support/Tolerances.h"
+
+#include "hostkit/base/GlobTr.h"
+#include "hostkit/cie/CIEConvAll.h"
+#include "hostkit/colormodel/ColorModelType.h"
+#include "plugin/colour/ColourValues.h"
+#include "plugin/models/BWModel.h"
+#include "plugin/models/RGBModel.h"
+#include "plugin/models/XYYModel.h"
+#include "plugin/models/XYZModel.h"
+
+#include <gtest/gtest.h>
+
+#include <type_traits>
+#include <vector>
+
+using namespace Korvane;
+using Korvane::Testing::Grid;
+using Korvane::Testing::GridModel;
+using Values = std::vector<double>;
+using USpec = SpectralModel<Unpolarized>;
+using SSpec = SpectralModel<StokesPolarization>;
+using RGBU = RGBModel<Unpolarized>;
+using BWU = BWModel<Unpolarized>;
+
+namespace {
+
+template <class C> // a spectral colour of n wavelengths, or a fixed-size one holding v
+C Make(int n, const Values& v = {}) {
+    C c;
+    if constexpr (std::is_same_v<typename C::Model, USpec> ||
+                  std::is_same_v<typename C::Model, SSpec>)
+        c.Distr().SetLength(n);
+    for (std::size_t k = 0; k < v.size(); ++k)
+        c.Values()[k] = v[k];
+    return c;
+}
+template <class C>
+Values Of(const C& c) {
+    return {c.Values(), c.Values() + c.Count() * C::Component::kSize};
+}
+std::string Last() {
+    return ReportLog::Entries().back().text;
+}
+
+class SpectralConversion : public testing::Test {
+protected:
+    SpectralConversion() { Translations::Clear(); }
+    Values Spectrum(const TVect3<double>& rgb, bool reflectance = false) { // the converter's own
+        TArray<double> s(10);
+        const CIEConvAll& conv = *ColorModel::GetCIEConvAll();
+        EXPECT_EQ(reflectance ? conv.RGB2SpectrumAttr(rgb, grid_, s)
+                              : conv.RGB2Spectrum(rgb, grid_, s),
+                  0);
+        return {s.begin(), s.end()};
+    }
+
+    Testing::ScopedModelTypes types_;
+    MArray<double> grid_ = Grid({400, 430, 460, 490, 520, 550, 580, 610, 640, 670, 700});
+    TPlugRef<USpec> u_ = new GridModel<Unpolarized>(grid_);
+    TPlugRef<SSpec> s_ = new GridModel<StokesPolarization>(grid_);
+    TPlugRef<BWU> bw_ = new BWU();
+    TPlugRef<RGBU> rgb_ = new RGBU();
+    TPlugRef<XYZModel> xyz_ = new XYZModel();
+    TPlugRef<XYYModel> xyy_ = new XYYModel();
+};
+
+} // namespace
+
+TEST_F(SpectralConversion, ReconstructedSourcesGiveTheConvertersSpectrum) {
+    // Colours with positive spectra, which the closing clamp keeps.
+    auto out = Make<LgtColor<USpec>>(11);
+    auto scalar = Make<ScalarColor<USpec>>(11);
+    ASSERT_EQ(u_->ConvertColor(rgb_.Get(), Make<LgtColor<RGBU>>(0, {0.6, 0.5, 0.4}), out), 0);
+    EXPECT_EQ(Of(out), Spectrum({0.6, 0.5, 0.4}));
+    ASSERT_EQ(u_->ConvertColor(bw_.Get(), Make<LgtColor<BWU>>(0, {0.3}), out), 0);
+    EXPECT_EQ(Of(out), Spectrum({0.3, 0.3, 0.3}));
+    ASSERT_EQ(u_->ConvertColor(rgb_.Get(), Make<ScalarColor<RGBU>>(0, {0.1, 0.9, 0.3}), scalar), 0);
+    EXPECT_EQ(Of(scalar), Spectrum({0.1, 0.9, 0.3})); // the light form, not the reflectance
+
+    // xyY is the XYZ (x Y q, Y, q Y - X - Y) with q = 1/y, or 1 when y is 0; XYZ comes back.
+    for (const TVect3<double> v : {TVect3<double>(0.3, 0.4, 0.5), TVect3<double>(0.2, 0.0, 0.5)}) {
+        const double q = v.y == 0.0 ? 1.0 : 1.0 / v.y;
+        const double X = v.x * v.z * q;
+        const Values xyz{X, v.z, q * v.z - X - v.z};
+        ASSERT_EQ(u_->ConvertColor(xyz_.Get(), Make<LgtColor<RGBU>>(0, xyz), out), 0);
+        const Values fromXYZ = Of(out);
+        ASSERT_EQ(u_->ConvertColor(xyy_.Get(), Make<LgtColor<RGBU>>(0, {v.x, v.y, v.z}), out), 0);
+        EXPECT_EQ(Of(out), fromXYZ);
+        TVect3<double> back;
+        CIEConv::spectrum2xyz(grid_, BArray<double>(out.Values(), 11), back);
+        for (int i = 0; i < 3 && v.y != 0.0; ++i)
+            EXPECT_NEAR(back[i], xyz[static_cast<std::size_t>(i)], Tol::kSpectralRoundTrip);
+    }
+}
+
+TEST_F(SpectralConversion, SpectralSourcesAreResampledPolarizedOnesGivingIntensity) {
+    TPlugRef<SSpec> coarse = new GridModel<StokesPolarization>(Grid({380, 520, 780}));
+    const auto from = Make<LgtColor<SSpec>>(3, {1, -0.5, 0.25, 0, 2, -0.5, 0.25, 0, 3, 0, 0, 0});
+    auto out = Make<LgtColor<USpec>>(11);
+    auto scalar = Make<ScalarColor<USpec>>(11);
+    ASSERT_EQ(u_->ConvertColor(coarse.Get(), from, out), 0);
+    ASSERT_EQ(u_->ConvertColor(coarse.Get(), Make<ScalarColor<SSpec>>(3, {1, 2, 3}), scalar), 0);
+    for (int k = 0; k < 11; ++k) { // 1 at 380 nm, 2 at 520 nm, 3 at 780 nm
+        const double line =
+            grid_[k] <= 520 ? 1 + (grid_[k] - 380) / 140 : 2 + (grid_[k] - 520) / 260;
+        EXPECT_NEAR(Of(out)[static_cast<std::size_t>(k)], line, Tol::kResampleRounding);
+        EXPECT_NEAR(Of(scalar)[static_cast<std::size_t>(k)], line, Tol::kResampleRounding);
+    }
+    // Back from the unpolarized model: 380 and 780 nm lie outside 400..700 and hold its ends.
+    auto back = Make<ScalarColor<SSpec>>(3);
+    ASSERT_EQ(coarse->ConvertColor(u_.Get(), scalar, back), 0);
+    EXPECT_EQ(Of(back), (Values{Of(scalar)[0], Of(scalar)[4], Of(scalar)[10]}));
+
+    EXPECT_EQ(u_->ConvertColor(coarse.Get(), Make<LgtColor<SSpec>>(2), out), kErrorMessageCode);
+    EXPECT_EQ(Last(), "SPEC light color conversion failure");
+}
+
+TEST_F(SpectralConversion, RefusalsReportTheirTextsUnderTheModelsContext) {
+    auto light = Make<LgtColor<USpec>>(11);
+    auto stokes = Make<LgtColor<SSpec>>(11);
+    const auto rgb = Make<LgtColor<RGBU>>(0, {0.2, 0.3, 0.4});
+    EXPECT_EQ(s_->ConvertColor(rgb_.Get(), rgb, stokes), kErrorMessageCode);
+    EXPECT_EQ(Last(), "Not supported spectral light color conversion");
+    EXPECT_EQ(Translations::LookupCount(
+                  "SpectralModel<class Korvane::StokesPolarization>::ConvertColor", Last().c_str()),
+              1);
+    TPlugRef<RGBModel<StokesPolarization>> rgbStokes = new RGBModel<StokesPolarization>();
+    EXPECT_EQ(u_->ConvertColor(rgbStokes.Get(), LgtColor<RGBModel<StokesPolarization>>(), light),
+              kErrorMessageCode);
+
+    // A model of no known kind is an internal error, not translated.
+    PlugType type("OtherModel", TColorModel, false, nullptr);
+    TPlugRef<Testing::TestModel> other = new Testing::TestModel(&type);
+    EXPECT_EQ(u_->ConvertColor(other.Get(), rgb, light), kInternalErrorCode);
+    EXPECT_EQ(Last(), "Not supported light color conversion");
+
+    // A one-point grid shows no three colours: the converter refuses; the scalar RGB branch
+    // reports the XYZ text on purpose.
+    TPlugRef<USpec> point = new GridModel<Unpolarized>(Grid({550}));
+    auto one = Make<LgtColor<USpec>>(1);
+    auto oneScalar = Make<ScalarColor<USpec>>(1);
+    EXPECT_EQ(point->ConvertColor(bw_.Get(), LgtColor<BWU>(), one), kErrorMessageCode);
+    EXPECT_EQ(Last(), "Error converting grayscale to spectrum");
+    EXPECT_EQ(Translations::LookupCount("SpectralModel<class Korvane::Unpolarized>::ConvertColor",
+                                        Last().c_str()),
+              1);
+    EXPECT_EQ(point->ConvertColor(rgb_.Get(), ScalarColor<RGBU>(), oneScalar), kErrorMessageCode);
+    EXPECT_EQ(Last(), "Error converting XYZ to spectrum");
+
+    // A scratch array that cannot be made (once the converter keeps its tables for the grid).
+    ASSERT_EQ(u_->ConvertColor(rgb_.Get(), rgb, light), 0);
+    FaultInjection::ScopedFailure fail(FaultInjection::ArrayStorage, 1);
+    EXPECT_EQ(u_->ConvertColor(rgb_.Get(), rgb, light), kNoMemoryCode);
+}
+
+TEST_F(SpectralConversion, SurfacesScaleRGBByItsLargestMagnitudeAndStokesGetsDepolarizers) {
+    auto surface = Make<SurfColor<USpec>>(11);
+    ASSERT_EQ(u_->ConvertColor(rgb_.Get(), Make<SurfColor<RGBU>>(0, {0, 0, 0}), surface), 0);
+    EXPECT_EQ(Of(surface), Values(11, 0.0));
+    const Values expected = Spectrum({0.8, 0.4, 0.2}, true);
+    ASSERT_EQ(u_->ConvertColor(rgb_.Get(), Make<SurfColor<RGBU>>(0, {0.8, 0.4, 0.2}), surface), 0);
+    for (std::size_t k = 0; k < 11; ++k) // made at (1, 0.5, 0.25) and scaled by 0.8: linear
+        EXPECT_NEAR(Of(surface)[k], expected[k], Tol::kSpectralRoundTrip);
+
+    // Into Stokes a grey is the depolarizer times the grey; RGBConvertToSurfaceColor does not
+    // scale and gives depolarizers too.
+    auto mueller = Make<SurfColor<SSpec>>(11);
+    ASSERT_EQ(s_->ConvertColor(bw_.Get(), Make<SurfColor<BWU>>(0, {0.4}), mueller), 0);
+    EXPECT_EQ(Of(mueller)[160], 0.4);
+    s_->RGBConvertToSurfaceColor({0.8, 0.4, 0.2}, mueller);
+    for (std::size_t k = 0; k < 176; ++k)
+        EXPECT_EQ(Of(mueller)[k], k % 16 ? 0.0 : expected[k / 16]);
+}
+
+TEST_F(SpectralConversion, RaysCarryTheGridWeightsAndRGBRaysTheScaledLuminance) {
+    RayColor<SSpec> ray;
+    ray.Light().Distr().SetLength(11);
+    ray.XOrt() = {0.0, 1.0, 0.0};
+    TPlugRef<BWModel<StokesPolarization>> bwStokes = new BWModel<StokesPolarization>();
+    const Values stokes{0.5, 0.1, -0.2, 0.05};
+    const auto grey = Make<LgtColor<BWModel<StokesPolarization>>>(0, stokes);
+    ASSERT_EQ(s_->ConvertToRayColor(bwStokes.Get(), grey, ray), 0);
+    const MArray<double>& w = s_->GetWeights();
+    for (std::size_t k = 0; k < 44; ++k)
+        EXPECT_EQ(Of(ray.Light())[k], stokes[k % 4] * w[static_cast<int>(k / 4)]);
+    EXPECT_EQ(ray.XOrt().y, 1.0);
+    EXPECT_EQ(s_->ConvertToRayColor(rgb_.Get(), Make<LgtColor<RGBU>>(0, {1, 1, 1}), ray), -1);
+
+    // Spectra from another grid: resampled, then made band energies.
+    TPlugRef<USpec> coarse = new GridModel<Unpolarized>(Grid({400, 700}));
+    ASSERT_EQ(s_->SpectralConvertToRayColor(coarse.Get(), Grid({1.0, 2.0}), ray), 0);
+    EXPECT_EQ(Of(ray.Light())[40], 2.0 * w[10]);
+    EXPECT_EQ(Of(ray.Light())[41], 0.0);
+
+    // Per-nm values (the ray over its weights) have 537/683 of the RGB's luminance.
+    const TVect3<double> rgb{0.2, 0.7, 0.1};
+    RayColor<USpec> unp;
+    unp.Light().Distr().SetLength(11);
+    u_->RGBConvertToRayColor(rgb, unp);
+    const TVect3<double>& kY = ColorModel::GetCIEConv()->LuminanceCoefs();
+    double luminance = 0.0;
+    for (int k = 0; k < 11; ++k)
+        luminance += unp.Light().Distr()[k][0] / w[k] * u_->GetMassColConv()->LightXYZ()[k].g;
+    EXPECT_NEAR(luminance, 537.0 / 683.0 * (kY.x * rgb.x + kY.y * rgb.y + kY.z * rgb.z),
+                Tol::kRayScaling);
+}
