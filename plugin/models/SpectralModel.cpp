@@ -8,7 +8,6 @@
 #include "plugin/colour/ColourValues.h"
 #include "plugin/frame/LibraryObjects.h"
 #include "plugin/models/ColourAccess.h"
-#include "plugin/models/NotAvailable.h"
 
 namespace Korvane {
 namespace {
@@ -84,11 +83,6 @@ PlugType* SpectralModel<Pol>::ObjType() const {
 template <class Pol>
 Plug* SpectralModel<Pol>::Clone() const {
     return new SpectralModel(*this);
-}
-
-template <class Pol>
-const char* SpectralModel<Pol>::ClassName() {
-    return Pol::kIsPolarized ? "SpectralModel<StokesPolarization>" : "SpectralModel<Unpolarized>";
 }
 
 template <class Pol>

@@ -157,7 +157,6 @@ protected:
     void OnLoad(int version) override;
 
 private:
-    static const char* ClassName(); // "SpectralModel<Unpolarized>", for reports
     // A new converter over the grid with `conv`, light tables prepared; 0 or the code of the
     // no-memory report (the model is then without a converter).
     int RenewConverter(const CIEConv* conv);
