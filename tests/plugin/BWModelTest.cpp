@@ -200,6 +200,26 @@ TEST(BWModelConversion, RaysGetTheGreyAndKeepTheirOrientation) {
     EXPECT_NEAR(ray.Light()[0], 0.7, 0.7 * Tol::kFlatSpectrumMean);
 }
 
+TEST(BWModelConversion, RayEnergyIsMeasuredOnThe380To780Model) {
+    Models m;
+    // A polarized grey fills every wavelength with its I: 0.5 over 400 nm.
+    EXPECT_EQ(m.bwStk.RayEnergy(Stokes(0.5, 0.1, 0.0, 0.0)), 200.0);
+    // An unpolarized grey becomes the reconstruction of (v, v, v), its area by the trapezoid rule.
+    const SpU* model = SpU::GetModel_380_780();
+    ASSERT_NE(model, nullptr);
+    const MArray<double>& waves = model->GetWaveLengths();
+    TArray<double> s(10, 1);
+    ASSERT_EQ(ColorModel::GetCIEConvAll()->RGB2Spectrum({0.5, 0.5, 0.5}, waves, s), 0);
+    double area = 0.0;
+    for (int i = 0; i + 1 < waves.Count(); ++i)
+        area += (s[i] + s[i + 1]) * (waves[i + 1] - waves[i]) / 2.0;
+    const auto grey = Make<LgtColor<BWU>>({0.5});
+    EXPECT_NEAR(m.bw.RayEnergy(grey), area, area * Tol::kSpectralRoundTrip);
+    FaultInjection::ScopedFailure noHolder(FaultInjection::PlugAlloc, 1);
+    EXPECT_EQ(m.bw.RayEnergy(grey), 0.0);
+    EXPECT_EQ(ReportLog::Entries().back().kind, ReportKind::NoMemory);
+}
+
 TEST(BWModelArithmetic, LightArithmeticActsOnEveryStokesElement) {
     Models m;
     LgtColor<BWS> c = Stokes(2.0, 1.0, -0.5, 0.25);
