@@ -7,7 +7,30 @@
 
 #include <CLI/CLI.hpp>
 
+#include "hostkit/base/User.h"
+
 #include <iostream>
+
+namespace {
+
+// Errors reach the user on standard error; log lines only with --verbose.
+class ToolSink final : public Korvane::IReportSink {
+public:
+    explicit ToolSink(bool verbose) : verbose_(verbose) {}
+    void Receive(const Korvane::Report& r) override {
+        if (r.kind == Korvane::ReportKind::Log) {
+            if (verbose_)
+                std::cerr << "korvane: " << r.text << "\n";
+            return;
+        }
+        std::cerr << "korvane: error: " << r.text << "\n";
+    }
+
+private:
+    bool verbose_;
+};
+
+} // namespace
 
 int main(int argc, char** argv) {
     using namespace Korvane;
@@ -25,7 +48,11 @@ int main(int argc, char** argv) {
         ->check(CLI::IsMember({2, 10}));
     app.add_flag("--csv", options.csv, "Comma-separated output");
     app.add_flag("--spectra", options.spectra, "Also print the spectra, one column per colour");
+    bool verbose = false;
+    app.add_flag("--verbose", verbose, "Also print the plug-in's log lines");
     CLI11_PARSE(app, argc, argv);
+    static ToolSink sink(verbose); // outlives the plug-in's unloading and the host's exit
+    SetReportSink(&sink);
 
     if (rgb.size() % 3 != 0) {
         std::cerr << "korvane: --rgb takes three values per colour\n";
@@ -47,10 +74,8 @@ int main(int argc, char** argv) {
     options.observer = observer == 10 ? Observer::CIE1964_10deg : Observer::CIE1931_2deg;
 
     Cli::PluginSession session(plugin);
-    if (!session.Loaded()) {
-        std::cerr << "korvane: " << session.Error() << "\n";
-        return 1;
-    }
+    if (!session.Loaded())
+        return 1; // the loader's report has said why
     if (!options.csv)
         std::cout << "plug-in: " << session.Path() << " (version " << session.Version() << ")\n";
     return Cli::RunReport(options, std::cout, std::cerr);
