@@ -97,10 +97,10 @@ void BWModel<Pol>::AddRayToArray(const IRayColor& c, double* out) const {
 }
 
 // The energy that the light carries when measured on the shared 380..780 nm spectral model: the
-// colour converted into a light colour of that model, then that model's LgtEnergy. A new holder's
-// spectral colour is empty, so it is first sized to the model's grid for the conversion to write
-// into. 0.0 when the model cannot be had, when the holder or its colour cannot be made (reported
-// as no memory) or when the conversion fails (reported by it). The holder goes with the call.
+// colour converted into a light colour of that model (the holder the model makes holds one value
+// per wavelength of its grid), then that model's LgtEnergy. 0.0 when the model cannot be had, when
+// the holder cannot be made (reported as no memory) or when the conversion fails (reported by
+// it). The holder goes with the call.
 template <class Pol>
 double BWModel<Pol>::RayEnergy(const ILgtColor& c) const {
     using Spectral = SpectralModel<Unpolarized>;
@@ -108,8 +108,7 @@ double BWModel<Pol>::RayEnergy(const ILgtColor& c) const {
     if (model == nullptr)
         return 0.0;
     TPlugRef<Holder<ILgtColor>> holder = model->NewLgtColorHold();
-    if (holder.Get() == nullptr ||
-        ColourAccess::Value<Spectral>(holder->Color()).Distr().SetLength(model->NWaves()) != 0) {
+    if (holder.Get() == nullptr) {
         User()->ErrorNoMemory(-1);
         return 0.0;
     }
