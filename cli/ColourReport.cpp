@@ -165,31 +165,31 @@ int RunReport(const ReportOptions& options, std::ostream& out, std::ostream& err
 
     std::vector<std::vector<double>> spectra;
     for (const NamedColour& c : colours) {
-        LightOf in(rgb), spec(spectral), back(rgb), inXYZ(xyz), inXYY(xyy);
-        if (!in.Ok() || !spec.Ok() || !back.Ok() || !inXYZ.Ok() || !inXYY.Ok()) {
+        LightOf in(rgb), spectrum(spectral), back(rgb), inXYZ(xyz), inXYY(xyy);
+        if (!in.Ok() || !spectrum.Ok() || !back.Ok() || !inXYZ.Ok() || !inXYY.Ok()) {
             err << "korvane: out of memory making colour holders\n";
             return 1;
         }
         const double values[3] = {c.rgb.x, c.rgb.y, c.rgb.z};
         rgb->SetLgtColor(in.Color(), values);
-        if (spectral->ConvertColor(rgb, in.Color(), spec.Color()) != 0 ||
-            rgb->ConvertColor(spectral, spec.Color(), back.Color()) != 0 ||
-            xyz->ConvertColor(spectral, spec.Color(), inXYZ.Color()) != 0 ||
-            xyy->ConvertColor(spectral, spec.Color(), inXYY.Color()) != 0) {
+        if (spectral->ConvertColor(rgb, in.Color(), spectrum.Color()) != 0 ||
+            rgb->ConvertColor(spectral, spectrum.Color(), back.Color()) != 0 ||
+            xyz->ConvertColor(spectral, spectrum.Color(), inXYZ.Color()) != 0 ||
+            xyy->ConvertColor(spectral, spectrum.Color(), inXYY.Color()) != 0) {
             err << "korvane: converting " << c.name << " failed (see the report above)\n";
             return 1;
         }
         double luminance = 0.0;
         TVect2<double> xy(0.0, 0.0);
-        spectral->GetChromaticity(spec.Color(), luminance, xy);
+        spectral->GetChromaticity(spectrum.Color(), luminance, xy);
         const TVect3<double> chroma = inXYY.Triple();
         out << c.name << sep << Triple(c.rgb, sep) << sep << Triple(back.Triple(), sep) << sep
             << Triple(inXYZ.Triple(), sep) << sep << Fixed(chroma.x) << sep << Fixed(chroma.y)
-            << sep << Fixed(luminance, 3) << sep << Fixed(spectral->LgtEnergy(spec.Color()), 4)
+            << sep << Fixed(luminance, 3) << sep << Fixed(spectral->LgtEnergy(spectrum.Color()), 4)
             << "\n";
         if (options.spectra) {
             std::vector<double> s(static_cast<std::size_t>(grid.Count()));
-            spectral->LgtToArray(spec.Color(), s.data());
+            spectral->LgtToArray(spectrum.Color(), s.data());
             spectra.push_back(std::move(s));
         }
     }
