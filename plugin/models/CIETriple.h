@@ -1,7 +1,7 @@
 // CIETriple: an XYZ or xyY colour seen as the triple of doubles it is (the values of
-// RGBModel<Unpolarized>), and what the XYZ and xyY models compute alike from such triples:
-// the channel-wise slots they answer as the unpolarized RGB model does, and RGB for display
-// from XYZ through M = XYZ2RGB() of the current converter.
+// RGBModel<Unpolarized>), and what the XYZ and xyY models compute alike from such triples. What
+// they do exactly as the RGB model does (M applied, the display form, per-channel factors) is
+// RGBOps's.
 #pragma once
 
 #include "hostkit/cie/CIEConv.h"
@@ -9,6 +9,7 @@
 #include "plugin/colour/ColourValues.h"
 #include "plugin/models/ColourAccess.h"
 #include "plugin/models/ColourMath.h"
+#include "plugin/models/RGBOps.h"
 
 namespace Korvane::CIETriple {
 
@@ -35,41 +36,17 @@ inline double Sum(const TVect3<double>& t) {
     return t.x + t.y + t.z;
 }
 
-// -- channel-wise slots, as in the unpolarized RGB model ---------------------------------------
-
-// Value c times factors[c].
-inline void MulByArray(ILgtColor& c, const double* factors) {
-    auto& v = ColourAccess::Value<XYZModel>(c);
-    for (int k = 0; k < 3; ++k)
-        v[k] *= factors[k];
-}
-
-// Value c times a[c] / b[c] where b[c] > 0, else unchanged.
-inline void MulByRatio(ILgtColor& c, const double* a, const double* b) {
-    auto& v = ColourAccess::Value<XYZModel>(c);
-    for (int k = 0; k < 3; ++k)
-        if (b[k] > 0.0)
-            v[k] *= a[k] / b[k];
-}
-
 // -- RGB from XYZ ---------------------------------------------------------------------------------
 
-inline TVect3<double> ToRGB(const TVect3<double>& xyz) {
-    return ColorModel::GetCIEConv()->XYZ2RGB() * xyz;
-}
-
-// The display triple: M xyz divided by its largest magnitude ((1, 1, 1) when that is 0), then
-// every negative channel 0.
+// The display triple of an XYZ: M xyz in its display form (RGBOps::DisplayRGB).
 inline TVect3<double> DisplayRGB(const TVect3<double>& xyz) {
-    TVect3<double> rgb = ToRGB(xyz);
-    ColourMath::NormalizeMaxMagnitude(rgb);
-    return ColourMath::ClampNegative(rgb);
+    return RGBOps::DisplayRGB(RGBOps::ApplyM(xyz));
 }
 
 // M xyz; with clampNegative every negative channel becomes 0, then with normalize the triple is
 // divided by its sum when that is not 0.
 inline TVect3<double> FlaggedRGB(const TVect3<double>& xyz, bool normalize, bool clampNegative) {
-    TVect3<double> rgb = ToRGB(xyz);
+    TVect3<double> rgb = RGBOps::ApplyM(xyz);
     if (clampNegative)
         rgb = ColourMath::ClampNegative(rgb);
     const double s = Sum(rgb);

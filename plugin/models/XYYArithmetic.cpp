@@ -45,7 +45,7 @@ void AddOnto(const TVect3<double>& c, double* out) {
 }
 
 double RGBEnergy(const TVect3<double>& xyY) {
-    return CIETriple::Sum(CIETriple::ToRGB(XYYToXYZ(xyY)));
+    return CIETriple::Sum(RGBOps::ApplyM(XYYToXYZ(xyY)));
 }
 
 } // namespace
@@ -79,7 +79,7 @@ void XYYModel::ClampLgtColor(ILgtColor& c) const {
         GetCIEConv()->IsValidXY(t.x, t.y))
         return;
     const TVect3<double> capped(t.x, t.y, t.z > 1.0 ? 1.0 : t.z);
-    TVect3<double> rgb = CIETriple::ToRGB(ColourMath::ClampNegative(XYYToXYZ(capped)));
+    TVect3<double> rgb = RGBOps::ApplyM(ColourMath::ClampNegative(XYYToXYZ(capped)));
     if (CIEConv::ClipRGBScale(rgb))
         CIETriple::Set(c, XYZToXYY(GetCIEConv()->RGB2XYZ() * rgb));
     else
@@ -118,7 +118,7 @@ void XYYModel::AddLgtColor(const ILgtColor& from, ILgtColor& to) const {
 }
 
 void XYYModel::MulLgtColorByArray(ILgtColor& c, const double* factors) const {
-    CIETriple::MulByArray(c, factors);
+    RGBOps::MulChannels(ColourAccess::Value<XYZModel>(c), factors);
 }
 
 void XYYModel::ScaleLgtColor(ILgtColor& c, double factor) const {
@@ -126,7 +126,7 @@ void XYYModel::ScaleLgtColor(ILgtColor& c, double factor) const {
 }
 
 void XYYModel::MulLgtColorByRatio(ILgtColor& c, const double* a, const double* b) const {
-    CIETriple::MulByRatio(c, a, b);
+    RGBOps::MulChannelsByRatio(ColourAccess::Value<XYZModel>(c), a, b);
 }
 
 void XYYModel::NormalizeLgtColor(ILgtColor& c) const {

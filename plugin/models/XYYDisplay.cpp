@@ -15,12 +15,12 @@ TVect3<double> XYZOf(const I& c) {
 } // namespace
 
 void XYYModel::SurfColorToRGB(const ISurfColor& c, TVect3<double>& rgb) const {
-    rgb = CIETriple::ToRGB(XYZOf(c));
+    rgb = RGBOps::ApplyM(XYZOf(c));
     CIEConv::ClipRGBScale(rgb);
 }
 
 void XYYModel::ScalarColorToRGB(const IScalarColor& c, TVect3<double>& rgb) const {
-    rgb = CIETriple::ToRGB(XYZOf(c));
+    rgb = RGBOps::ApplyM(XYZOf(c));
 }
 
 int XYYModel::LgtColorToDisplayRGB(const ILgtColor& c, TVect3<double>& rgb) const {

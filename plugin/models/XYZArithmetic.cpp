@@ -34,7 +34,7 @@ void NormalizeSum(ILgtColor& c) {
 
 // R + G + B of M xyz.
 double RGBEnergy(const TVect3<double>& xyz) {
-    return CIETriple::Sum(CIETriple::ToRGB(xyz));
+    return CIETriple::Sum(RGBOps::ApplyM(xyz));
 }
 
 } // namespace
@@ -99,7 +99,7 @@ void XYZModel::AddLgtColor(const ILgtColor& from, ILgtColor& to) const {
 }
 
 void XYZModel::MulLgtColorByArray(ILgtColor& c, const double* factors) const {
-    CIETriple::MulByArray(c, factors);
+    RGBOps::MulChannels(ColourAccess::Value<XYZModel>(c), factors);
 }
 
 void XYZModel::ScaleLgtColor(ILgtColor& c, double factor) const {
@@ -109,7 +109,7 @@ void XYZModel::ScaleLgtColor(ILgtColor& c, double factor) const {
 }
 
 void XYZModel::MulLgtColorByRatio(ILgtColor& c, const double* a, const double* b) const {
-    CIETriple::MulByRatio(c, a, b);
+    RGBOps::MulChannelsByRatio(ColourAccess::Value<XYZModel>(c), a, b);
 }
 
 void XYZModel::NormalizeLgtColor(ILgtColor& c) const {

@@ -7,12 +7,12 @@
 namespace Korvane {
 
 void XYZModel::SurfColorToRGB(const ISurfColor& c, TVect3<double>& rgb) const {
-    rgb = CIETriple::ToRGB(CIETriple::Get(c));
+    rgb = RGBOps::ApplyM(CIETriple::Get(c));
     CIEConv::ClipRGBScale(rgb);
 }
 
 void XYZModel::ScalarColorToRGB(const IScalarColor& c, TVect3<double>& rgb) const {
-    rgb = CIETriple::ToRGB(CIETriple::Get(c));
+    rgb = RGBOps::ApplyM(CIETriple::Get(c));
 }
 
 int XYZModel::LgtColorToDisplayRGB(const ILgtColor& c, TVect3<double>& rgb) const {
