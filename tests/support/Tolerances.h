@@ -100,4 +100,16 @@ inline constexpr double kCIERayScaling = 1e-15;
 // products and the two additions each round once (1.1e-16 relative), a few ulp of E in all.
 inline constexpr double kRGBRayEnergy = 1e-15;
 
+// -- conversions across models --------------------------------------------------------------------
+
+// Relative error of a light sent around RGB, XYZ and xyY and back: M, N (a rounded inverse of M,
+// M N off the identity by up to 1e-14), the reciprocals of y and of X + Y + Z and a few products,
+// each rounding once (1.1e-16 relative) on values near 0.5; the conditioning of M (about 10) may
+// lift that into the 1e-15 range; seen 2.8e-16 for RGB (0.2, 0.4, 0.6).
+inline constexpr double kCrossModelRoundTrip = 1e-12;
+// A grey g read back from (g, g, g) as (g + g + g) * 0.3333333333333333: the sum and the product
+// round once each and the constant lies 1.7e-17 relative below 1/3, under 1.5 ulp (3.4e-16
+// relative) in all.
+inline constexpr double kMeanOfThree = 4e-16;
+
 } // namespace Korvane::Tol
