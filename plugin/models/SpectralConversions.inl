@@ -211,6 +211,23 @@ int ReconstructFor(const SpectralModel<Pol>& model, Scratch& scratch, Reconstruc
     return 0;
 }
 
+// The usual light conversion: an unpolarized light colour of the model's length takes the
+// reconstruction of `rgb` straight into its storage, with no scratch array and no copy (an XYZ
+// is reconstructed as M xyz, which is what the converter's XYZ reconstruction does). 0, or the
+// code of the report of `failure` when the converter refused (the colour then holds zeros).
+template <class Pol, class D>
+int ReconstructLightInPlace(const SpectralModel<Pol>& model, TVect3<double> v, bool xyz, D& target,
+                            const char* failure) {
+    const CIEConvAll* conv = ColorModel::GetCIEConvAll();
+    if (!conv)
+        return Fail<Pol>(failure);
+    if (xyz)
+        v = conv->XYZ2RGB() * v;
+    if (conv->RGB2Spectrum(v, model.GetWaveLengths(), target.Values(), target.Count()) != 0)
+        return Fail<Pol>(failure);
+    return 0;
+}
+
 // Density to energy, written out: every component inside the band is multiplied by its
 // wavelength's ray weight (Stokes: all four doubles).
 template <class Pol, class D>
@@ -244,6 +261,15 @@ int SpectralModel<Pol>::ConvertColor(const ColorModel* src, const ILgtColor& fro
             return 0;
         }
         const double g = ColourAccess::Value<BWModel<Unpolarized>>(from).Channel(0)[0];
+        if constexpr (!Pol::kIsPolarized) {
+            if (target.Count() == NWaves()) {
+                if (const int r =
+                        ReconstructLightInPlace(*this, {g, g, g}, false, target, kGreyFailed))
+                    return r;
+                ClampLgtColor(to);
+                return 0;
+            }
+        }
         status = ReconstructFor(*this, scratch, Reconstruction::RGBLight, {g, g, g}, target.Count(),
                                 Comp::kSize, kGreyFailed);
     } else if (HasPolarization()) {
@@ -252,6 +278,15 @@ int SpectralModel<Pol>::ConvertColor(const ColorModel* src, const ILgtColor& fro
         if (src->HasPolarization())
             return Fail<Pol>(kLightRefused);
         const TVect3<double> v = Triple(from);
+        if (target.Count() == NWaves()) { // the model is unpolarized here
+            const bool isRGB = kind == Source::RGB;
+            if (const int r = ReconstructLightInPlace(
+                    *this, kind == Source::XYY ? ColourMath::XYYToXYZ(v) : v, !isRGB, target,
+                    isRGB ? kRGBFailed : kXYZFailed))
+                return r;
+            ClampLgtColor(to);
+            return 0;
+        }
         if (kind == Source::RGB)
             status = ReconstructFor(*this, scratch, Reconstruction::RGBLight, v, target.Count(),
                                     Comp::kSize, kRGBFailed);

@@ -149,10 +149,17 @@ TEST_F(SpectralConversion, RefusalsReportTheirTextsUnderTheModelsContext) {
     EXPECT_EQ(point->ConvertColor(rgb_.Get(), ScalarColor<RGBU>(), oneScalar), kErrorMessageCode);
     EXPECT_EQ(Last(), "Error converting XYZ to spectrum");
 
-    // A scratch array that cannot be made (once the converter keeps its tables for the grid).
+    // A light colour of the model's length takes its reconstruction in place: nothing to
+    // allocate. Other lengths (and Stokes light) go through a scratch array, whose failure is
+    // reported as no memory (once the converter keeps its tables for the grid).
     ASSERT_EQ(u_->ConvertColor(rgb_.Get(), rgb, light), 0);
-    FaultInjection::ScopedFailure fail(FaultInjection::ArrayStorage, 1);
-    EXPECT_EQ(u_->ConvertColor(rgb_.Get(), rgb, light), kNoMemoryCode);
+    auto longer = Make<LgtColor<USpec>>(12);
+    auto grey = Make<LgtColor<BWU>>(0, {0.5});
+    FaultInjection::ScopedFailure fail(FaultInjection::ArrayStorage, 1, /*failAfter=*/true);
+    EXPECT_EQ(u_->ConvertColor(rgb_.Get(), rgb, light), 0);
+    EXPECT_EQ(u_->ConvertColor(bw_.Get(), grey, light), 0);
+    EXPECT_EQ(u_->ConvertColor(rgb_.Get(), rgb, longer), kNoMemoryCode);
+    EXPECT_EQ(s_->ConvertColor(bw_.Get(), grey, stokes), kNoMemoryCode);
 }
 
 TEST_F(SpectralConversion, SurfacesScaleRGBByItsLargestMagnitudeAndStokesGetsDepolarizers) {
