@@ -86,6 +86,22 @@ private:
     int targetCount_;
 };
 
+// The interval of target wavelength w, the largest j with s[j] <= w, as bisection finds it
+// (CountNotAbove - 1). Targets ascend, so the next interval is usually a step or two past the
+// current one `from`: a few steps are walked first, and bisection runs only when they fall short.
+inline int NextInterval(const TArray<double>& s, double w, int from) {
+    constexpr int kSteps = 4;
+    const int m = s.Count();
+    int j = from < 0 ? 0 : from;
+    if (s[j] > w)
+        return CountNotAbove(s, w) - 1;
+    for (int k = 0; k < kSteps && j + 1 < m && s[j + 1] <= w; ++k)
+        ++j;
+    if (j + 1 < m && s[j + 1] <= w)
+        return CountNotAbove(s, w) - 1;
+    return j;
+}
+
 // Resamples the layout's source over grid s onto its target over grid t. Returns 0, or -1 when
 // the target's count is not t's or the source's is not s's, when s is empty (and t is not), or
 // when no source interval holds a target wavelength (grids that are not ascending).
@@ -123,7 +139,7 @@ int ResampleSpectrum(const TArray<double>& s, const TArray<double>& t, Layout& l
     double reciprocalWidth = j >= 0 && j < m - 1 ? 1.0 / (s[j + 1] - s[j]) : 0.0;
     for (int i = lo; i <= hi; ++i) {
         if (j < 0 || j >= m - 1 || t[i] > s[j + 1]) {
-            j = t[i] == s[m - 1] ? m - 2 : CountNotAbove(s, t[i]) - 1;
+            j = t[i] == s[m - 1] ? m - 2 : NextInterval(s, t[i], j);
             if (j < 0 || j >= m - 1)
                 return -1;
             reciprocalWidth = 1.0 / (s[j + 1] - s[j]);

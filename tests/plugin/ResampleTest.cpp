@@ -85,3 +85,34 @@ TEST(Resample, LayoutsCarryStokesVectorsIntensitiesAndTheBand) {
     EXPECT_EQ(banded, (Values{0, 6, 8}));
     EXPECT_EQ(spread, (Values{1, 0, 0, 0, 1.75, 0, 0, 0, 2, 0, 0, 0}));
 }
+
+// A curved spectrum tells intervals apart (a straight line is the same from any interval): every
+// target value must come from the interval that bisection names, for target grids sparser and
+// denser than the source, so both the short walk to the next interval and the fall-back search
+// are taken.
+TEST(Resample, EachTargetIsInterpolatedInTheIntervalThatHoldsIt) {
+    MArray<double> s(10);
+    ASSERT_EQ(s.Alloc(61), 0);
+    for (int k = 0; k < 61; ++k)
+        s[k] = 380.0 + 6.5 * k + 0.7 * (k % 3); // uneven steps
+    Values v(61);
+    for (int k = 0; k < 61; ++k)
+        v[static_cast<std::size_t>(k)] = (s[k] - 500.0) * (s[k] - 500.0);
+    for (double step : {0.9, 3.0, 13.0, 29.0, 61.0}) {
+        MArray<double> t(10);
+        ASSERT_EQ(t.Alloc(static_cast<int>((420.0 - 0.5) / step) + 1), 0);
+        for (int i = 0; i < t.Count(); ++i)
+            t[i] = 381.0 + step * i;
+        Values out(static_cast<std::size_t>(t.Count()));
+        ASSERT_EQ(Banded(s, v, t, out), 0);
+        for (int i = 0; i < t.Count(); ++i) {
+            if (t[i] >= s[60])
+                continue;
+            const int j = CountNotAbove(s, t[i]) - 1;
+            const std::size_t uj = static_cast<std::size_t>(j);
+            const double u = (t[i] - s[j]) * (1.0 / (s[j + 1] - s[j]));
+            EXPECT_EQ(out[static_cast<std::size_t>(i)], (1.0 - u) * v[uj] + u * v[uj + 1])
+                << "step " << step << ", target " << t[i];
+        }
+    }
+}
