@@ -34,7 +34,7 @@ using URGB = RGBModel<Unpolarized>;
 // The registered models, colours on their grids and plain copies of the tables the library
 // reads. Registration is undone when the process ends, so a sanitizer run sees nothing left.
 struct Fixture {
-    USpec* spec = nullptr;
+    USpec* spectral = nullptr;
     SSpec* stokes = nullptr;
     URGB* rgb = nullptr;
     TPlugRef<USpec> wide; // a spectral model on the 81-point grid
@@ -62,10 +62,10 @@ struct Fixture {
     Fixture() {
         if (InitClasses() != 0)
             std::abort();
-        spec = USpec::GetModel();
+        spectral = USpec::GetModel();
         stokes = SSpec::GetModel();
         rgb = URGB::GetModel();
-        const MArray<double>& grid = spec->GetWaveLengths();
+        const MArray<double>& grid = spectral->GetWaveLengths();
 
         MArray<double> wideGrid(10);
         wideGrid.Alloc(kM);
@@ -97,7 +97,7 @@ struct Fixture {
             unit[c] = 1.0;
             conv->RGB2Spectrum(unit, grid, rec[c], kN);
         }
-        MassColConv* mass = spec->GetMassColConv();
+        MassColConv* mass = spectral->GetMassColConv();
         mass->PrepareForLight();
         TArray<double> spike(10);
         spike.Alloc(kN);
@@ -112,7 +112,7 @@ struct Fixture {
             rgbDens[0][i] = mass->LightRGBDensity()[i].r;
             rgbDens[1][i] = mass->LightRGBDensity()[i].g;
             rgbDens[2][i] = mass->LightRGBDensity()[i].b;
-            w[i] = spec->GetWeights()[i];
+            w[i] = spectral->GetWeights()[i];
             const double left = i > 0 ? grid[i] - grid[i - 1] : 0.0;
             const double right = i < kN - 1 ? grid[i + 1] - grid[i] : 0.0;
             trap[i] = (left + right) / 2.0;
@@ -191,7 +191,7 @@ void BM_SpectralLightFromRGB(benchmark::State& state) {
         const TVect3<double> c = Colour(k++);
         f.rgbLight[0] = c.x;
         f.rgbLight[2] = c.z;
-        benchmark::DoNotOptimize(f.spec->ConvertColor(f.rgb, f.rgbLight, f.target));
+        benchmark::DoNotOptimize(f.spectral->ConvertColor(f.rgb, f.rgbLight, f.target));
         benchmark::ClobberMemory();
     }
     CountAllocations(state, before);
@@ -218,7 +218,7 @@ void BM_SpectralLgtColorToRGB(benchmark::State& state) {
     const long long before = MemStats::Get("TArray").blocksTotal;
     TVect3<double> rgb;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(f.spec->LgtColorToRGB(f.light, rgb, false, false));
+        benchmark::DoNotOptimize(f.spectral->LgtColorToRGB(f.light, rgb, false, false));
         benchmark::DoNotOptimize(rgb);
         benchmark::ClobberMemory();
     }
@@ -240,7 +240,7 @@ void BM_SpectralLightResample(benchmark::State& state) {
     Fixture& f = F();
     const long long before = MemStats::Get("TArray").blocksTotal;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(f.spec->ConvertColor(f.wide.Get(), f.wideLight, f.target));
+        benchmark::DoNotOptimize(f.spectral->ConvertColor(f.wide.Get(), f.wideLight, f.target));
         benchmark::ClobberMemory();
     }
     CountAllocations(state, before);
@@ -270,7 +270,7 @@ void BM_SpectralDensityToEnergy(benchmark::State& state) {
     double* v = f.target.Values();
     for (auto _ : state) {
         std::memcpy(v, f.start, kN * sizeof(double));
-        f.spec->DensityToEnergy(f.target);
+        f.spectral->DensityToEnergy(f.target);
         benchmark::ClobberMemory();
     }
     CountAllocations(state, before);
@@ -295,7 +295,7 @@ void BM_SpectralAddScaledLgt(benchmark::State& state) {
     Fixture& f = F();
     const long long before = MemStats::Get("TArray").blocksTotal;
     for (auto _ : state) {
-        f.spec->AddScaledLgt(f.lightB, kAddFactor, f.light);
+        f.spectral->AddScaledLgt(f.lightB, kAddFactor, f.light);
         benchmark::ClobberMemory();
     }
     CountAllocations(state, before);
@@ -317,7 +317,7 @@ void BM_RGBRayFromSpectral(benchmark::State& state) {
     Fixture& f = F();
     const long long before = MemStats::Get("TArray").blocksTotal;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(f.rgb->ConvertToRayColor(f.spec, f.light, f.rgbRay));
+        benchmark::DoNotOptimize(f.rgb->ConvertToRayColor(f.spectral, f.light, f.rgbRay));
         benchmark::ClobberMemory();
     }
     CountAllocations(state, before);
