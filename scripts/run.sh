@@ -3,7 +3,7 @@
 # defaults). Usage: scripts/run.sh [korvane options]
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/deps.sh
-cmake --preset default >/dev/null
-cmake --build --preset default -j"$(nproc)" --target korvane
+scripts/deps.sh >&2
+cmake --preset default >&2
+cmake --build --preset default -j"$(nproc)" --target korvane >&2
 exec build/default/bin/korvane "$@"
