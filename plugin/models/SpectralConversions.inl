@@ -25,6 +25,9 @@
 namespace Korvane {
 namespace SpectralConversion {
 
+// The texts of the conversion reports. Hosts and their translation tables look them up by these
+// exact strings (under the model's ConvertColor context), abbreviations included, so they are
+// kept byte for byte and never reworded.
 inline constexpr const char* kGreyFailed = "Error converting grayscale to spectrum";
 inline constexpr const char* kRGBFailed = "Error converting RGB to spectrum";
 inline constexpr const char* kXYZFailed = "Error converting XYZ to spectrum";
