@@ -449,7 +449,9 @@ void SpectralModel<Pol>::RGBConvertToRayColor(const TVect3<double>& rgb, IRayCol
     const double luminance = k.x * rgb.x + k.y * rgb.y + k.z * rgb.z;
     double sum = 0.0;
     MassColConv* mc = GetMassColConv();
-    if (mc && count == mc->Wavelengths().Count() && mc->PrepareForLight() == 0) {
+    // The XYZ table's own row count is asked too: a half-failed preparation leaves it short.
+    if (mc && count == mc->Wavelengths().Count() && mc->PrepareForLight() == 0 &&
+        mc->LightXYZ().Count() == count) {
         const TArray<RGBColourDistr<double>>& xyz = mc->LightXYZ();
         for (int i = 0; i < count; ++i)
             sum += d[i][0] * xyz[i].g;
