@@ -7,9 +7,10 @@
 // values are resampled from the source grid (Resample.h). Every light conversion ends with
 // ClampLgtColor. A polarized model takes light and surface colours from BW sources only.
 //
-// Values are written for every stored component of the target colour (a colour is sized to the
-// grid). A reconstruction gives one value per wavelength; a Stokes light keeps it as I with
-// Q = U = V = 0 and a Mueller surface as element (0,0) with the other fifteen 0 (a depolarizer).
+// Values are written for every stored component of the target colour (its user sizes it,
+// normally to the grid; a holder's colours start empty). A reconstruction gives one value per
+// wavelength; a Stokes light keeps it as I with Q = U = V = 0 and a Mueller surface as element
+// (0,0) with the other fifteen 0 (a depolarizer).
 // Failures are reported through User() and their code returned; messages are translated under
 // the context "SpectralModel<class Korvane::Unpolarized>::ConvertColor" (Stokes:
 // "...StokesPolarization>..."). A failed conversion may leave partial values in the target.
