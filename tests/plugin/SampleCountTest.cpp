@@ -207,8 +207,7 @@ TEST_F(SampleCounts, SpectralTargetsReportOrTakeTheFirstSamples) {
         MakeColour(surf, count);
         MakeColour(scalar, count);
         MakeCut(scalarCut, count, src.NWaves());
-        for (auto* d : {&lightOut.Distr()})
-            ASSERT_EQ(d->SetLength(n), 0);
+        ASSERT_EQ(lightOut.Distr().SetLength(n), 0);
         ASSERT_EQ(surfOut.Distr().SetLength(n), 0);
         ASSERT_EQ(scalarOut.Distr().SetLength(n), 0);
         ASSERT_EQ(scalarCutOut.Distr().SetLength(n), 0);
