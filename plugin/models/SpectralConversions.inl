@@ -124,26 +124,24 @@ Band BandOf(const SpctrlColourDistr<Comp>& d) {
 }
 
 // Resamples distribution `from` over grid `s` onto distribution `to` over grid `t`, component
-// layouts as SpectrumLayout carries them, through the plans kept for `t`. 0 or -1.
+// layouts as SpectrumLayout carries them. 0 or -1.
 template <class From, class To>
-int ResampleDistr(ResamplePlanCache& plans, const MArray<double>& s, const From& from,
-                  const MArray<double>& t, To& to) {
+int ResampleDistr(const MArray<double>& s, const From& from, const MArray<double>& t, To& to) {
     const Band band = BandOf(from);
     SpectrumLayout<From::Component::kSize, To::Component::kSize> layout(
         from.Values(), from.Count(), band.first, band.last, to.Values(), to.Count());
-    return plans.Resample(s, t, layout);
+    return ResampleSpectrum(s, t, layout);
 }
 
 // The same for colour `from` (light or surface) of the spectral model `src`, of either
 // polarization, over that model's grid.
 template <class I, class To>
-int ResampleFrom(ResamplePlanCache& plans, const ColorModel& src, const I& from,
-                 const MArray<double>& t, To& to) {
+int ResampleFrom(const ColorModel& src, const I& from, const MArray<double>& t, To& to) {
     if (src.HasPolarization())
-        return ResampleDistr(plans, src.GetWaveLengths(),
+        return ResampleDistr(src.GetWaveLengths(),
                              ColourAccess::Value<SpectralModel<StokesPolarization>>(from).Distr(),
                              t, to);
-    return ResampleDistr(plans, src.GetWaveLengths(),
+    return ResampleDistr(src.GetWaveLengths(),
                          ColourAccess::Value<SpectralModel<Unpolarized>>(from).Distr(), t, to);
 }
 
@@ -300,7 +298,7 @@ int SpectralModel<Pol>::ConvertColor(const ColorModel* src, const ILgtColor& fro
                                     kind == Source::XYY ? ColourMath::XYYToXYZ(v) : v,
                                     target.Count(), Comp::kSize, kXYZFailed);
     } else if (kind == Source::Spectral) {
-        if (ResampleFrom(plans_, *src, from, GetWaveLengths(), target) != 0)
+        if (ResampleFrom(*src, from, GetWaveLengths(), target) != 0)
             return Fail<Pol>(kLightResampleFailed);
         ClampLgtColor(to);
         return 0;
@@ -349,7 +347,7 @@ int SpectralModel<Pol>::ConvertColor(const ColorModel* src, const ISurfColor& fr
                                     target.Count(), Comp::kSize, kXYZFailed);
         }
     } else if (kind == Source::Spectral) {
-        if (ResampleFrom(plans_, *src, from, GetWaveLengths(), target) != 0)
+        if (ResampleFrom(*src, from, GetWaveLengths(), target) != 0)
             return Fail<Pol>(kSurfaceResampleFailed);
         return 0;
     } else {

@@ -116,7 +116,6 @@ template <class Pol>
 int SpectralModel<Pol>::SetWaveLengths(const MArray<double>& waves) {
     if (waves.IsEqual(GetWaveLengths()) && conv_ && conv_->Wavelengths().IsEqual(waves))
         return 0;
-    plans_.Clear();
     const int status = BSpectralModel::SetWaveLengths(waves);
     if (status != 0)
         return status;
@@ -126,7 +125,6 @@ int SpectralModel<Pol>::SetWaveLengths(const MArray<double>& waves) {
 template <class Pol>
 void SpectralModel<Pol>::OnLoad(int version) {
     BSpectralModel::OnLoad(version);
-    plans_.Clear();
     if (NWaves() == 0)
         conv_ = nullptr;
     else
