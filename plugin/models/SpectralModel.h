@@ -7,7 +7,10 @@
 // whenever the grid is set or loaded or the host's CIE converter changes.
 //
 // Conversions keep nothing: spectral sources are resampled onto the grid by a walk over the two
-// grids in the call (Resample.h), so several threads may convert with one model at once.
+// grids in the call (Resample.h), so several threads may convert with one model at once. The
+// host converter's tables of the grid are resolved once, when the converter is renewed (CIEGrid),
+// so that reconstructions onto the grid neither compare the grid nor lock; a reconstruction by
+// another converter than the one they came from looks the grid up as usual.
 #pragma once
 
 #include "plugin/PluginExport.h"
@@ -146,6 +149,9 @@ public:
     Holder<IDualLgtColor>* NewDualLgtColorHold() const override;
 
     // -- added by the spectral model ---------------------------------------------------------
+    // The host converter's tables of the grid, resolved when the converter was renewed (empty
+    // when that failed); the reconstructions pass them to the converter.
+    const CIEGrid& GridTables() const { return cieGrid_; }
     // RGB of one value per wavelength through the converter's plain light tables. Always 0.
     virtual int SpectrumToRGB(const double* values, TVect3<double>& rgb, bool normalize,
                               bool clampNegative) const;
@@ -166,6 +172,7 @@ private:
     void SetNameFromType();
 
     TPlugRef<MassColConv> conv_;
+    CIEGrid cieGrid_; // the grid's tables from the converter of conv_; shared by copies
 };
 
 extern template class SpectralModel<Unpolarized>;
