@@ -57,9 +57,9 @@ int Find(StatState& st, const char* tag, int published) {
 int TagIndex(const char* tag) {
     thread_local const char* lastTag = nullptr;
     thread_local int lastIndex = -1;
-    if (tag == lastTag && tag)
-        return lastIndex;
     StatState& st = State();
+    if (tag && tag == lastTag && std::strcmp(st.names[lastIndex].c_str(), tag) == 0)
+        return lastIndex;
     const char* name = tag ? tag : "";
     int i = Find(st, name, st.published.load(std::memory_order_acquire));
     if (i < 0) {
@@ -80,21 +80,18 @@ int TagIndex(const char* tag) {
 }
 
 // The calling thread's block, registered on first use and folded into the retired totals when the
-// thread ends.
-struct BlockOwner {
-    ThreadBlock* block = nullptr;
-    BlockOwner() {
-        StatState& st = State();
-        block = new (std::nothrow) ThreadBlock;
-        if (!block)
-            return;
-        std::lock_guard<std::mutex> guard(st.lock);
-        block->next = st.blocks;
-        if (st.blocks)
-            st.blocks->prev = block;
-        st.blocks = block;
-    }
-    ~BlockOwner() {
+// thread ends. The pointer and the flag are plain thread-local values (no destructor of their
+// own), so that reports made after the thread's thread-local objects were destroyed (objects
+// released by static destructors on the main thread) still find them, and go to the shared
+// block.
+thread_local ThreadBlock* tBlock = nullptr;
+thread_local bool tRetired = false;
+
+struct BlockRetirer {
+    ~BlockRetirer() {
+        ThreadBlock* block = tBlock;
+        tBlock = nullptr;
+        tRetired = true;
         if (!block)
             return;
         StatState& st = State();
@@ -109,14 +106,32 @@ struct BlockOwner {
     }
 };
 
+ThreadBlock* Register() {
+    thread_local BlockRetirer retirer; // constructed here, destroyed when the thread ends
+    (void)retirer;
+    auto* block = new (std::nothrow) ThreadBlock;
+    if (!block) {
+        tRetired = true; // the shared block from now on
+        return nullptr;
+    }
+    StatState& st = State();
+    std::lock_guard<std::mutex> guard(st.lock);
+    block->next = st.blocks;
+    if (st.blocks)
+        st.blocks->prev = block;
+    st.blocks = block;
+    return block;
+}
+
 // Adds `delta` to field f of tag t for this thread.
 void Add(int t, int f, long long delta) {
-    thread_local BlockOwner owner;
-    if (!owner.block) { // no block of its own: the shared one, written atomically
+    if (!tBlock && !tRetired)
+        tBlock = Register();
+    if (!tBlock) { // no block of its own (none left, or none could be made): the shared one
         State().shared.v[t][f].fetch_add(delta, std::memory_order_relaxed);
         return;
     }
-    std::atomic<long long>& c = owner.block->v[t][f];
+    std::atomic<long long>& c = tBlock->v[t][f];
     c.store(c.load(std::memory_order_relaxed) + delta, std::memory_order_relaxed);
 }
 
