@@ -135,7 +135,14 @@ namespace ResampleDetail {
 template <class Layout>
 int Walk(const double* s, int m, const double* t, int lo, int hi, const TArray<double>& grid,
          Layout& layout) {
-    int j = CountNotAbove(grid, t[0]) - 1;
+    // The number of source wavelengths not above t[0], less one: a few steps from the start (the
+    // usual case: both grids start close together), bisection past them; the same index either
+    // way on an ascending grid.
+    int j = -1;
+    while (j + 1 < m && j < 7 && s[j + 1] <= t[0])
+        ++j;
+    if (j == 7 && j + 1 < m && s[j + 1] <= t[0])
+        j = CountNotAbove(grid, t[0]) - 1;
     int advance = 1;
     double width = std::numeric_limits<double>::quiet_NaN(); // equal to no width
     double reciprocalWidth = 0.0;
