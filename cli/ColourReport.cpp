@@ -12,10 +12,33 @@
 namespace Korvane::Cli {
 namespace {
 
-// A light colour of one model, kept in one of that model's holders.
+// Sizes the (unpolarized) spectral light of a new holder to the model's grid, as a host without
+// the plug-in's classes does: the holder's type reads it from an archive of NWaves zeros.
+bool SizeSpectralLight(const ColorModel* model, Plug* holder) {
+    BinarySerializer writer;
+    writer.OpenGroup("Color");
+    auto n = static_cast<std::int32_t>(model->NWaves());
+    writer.SerializeCount(n, 1);
+    for (int i = 0; i < n; ++i) {
+        double zero = 0.0;
+        writer.Serialize(zero);
+    }
+    writer.CloseGroup();
+    writer.Finish();
+    BinarySerializer reader(writer.Bytes());
+    holder->ObjType()->SerializeInstance(holder, reader);
+    reader.Finish();
+    return !reader.Failed();
+}
+
+// A light colour of one model, kept in one of that model's holders (a spectral one sized to the
+// model's grid: the holders a model makes start empty).
 class LightOf {
 public:
-    explicit LightOf(const ColorModel* model) : model_(model), holder_(model->NewLgtColorHold()) {}
+    explicit LightOf(const ColorModel* model) : model_(model), holder_(model->NewLgtColorHold()) {
+        if (holder_.Get() && model->IsSpectral() && !SizeSpectralLight(model, holder_.Get()))
+            holder_ = nullptr;
+    }
     bool Ok() const { return holder_.Get() != nullptr; }
     ILgtColor& Color() { return holder_.Get()->Color(); }
     TVect3<double> Triple() {

@@ -7,15 +7,17 @@
 //   spectral colour      the sample count (int), then every double of every sample, sample by
 //                        sample
 //
-// A spectral light colour goes out as the colour reads: zero outside its band. The archive keeps
-// no band, so a light colour read back has the band [0, count - 1] and reads the same.
+// A spectral colour goes out as it is stored, light colours too: every stored sample, inside its
+// band or not, exchanged in place. The archive keeps no band. Reading sizes the colour to the
+// stored count as the distribution's SetLength does: a colour of another count gets new samples
+// and a light colour the band [0, count - 1]; a colour that already has that count keeps its
+// storage and its band, and the samples read land in place.
 #pragma once
 
 #include "hostkit/base/Serializer.h"
 #include "plugin/colour/ColourValues.h"
 
 #include <cstdint>
-#include <type_traits>
 
 namespace Korvane::ColourArchive {
 
@@ -31,30 +33,15 @@ void Exchange(Serializer& s, FixedColour<M, I, Comp, N>& c) {
 template <class M, class I, class D>
 void Exchange(Serializer& s, SpctrlColour<M, I, D>& c) {
     using Comp = typename D::Component;
-    constexpr bool kBanded = std::is_base_of_v<ExtSpctrlColourDistr<Comp>, D>;
     D& d = c.Distr();
     std::int32_t n = d.Count();
     s.SerializeCount(n, Comp::kSize);
-    const bool reading = s.IsReading();
-    if (reading) {
-        if (d.SetLength(n) != 0)
-            s.SetAllocError();
-        if constexpr (kBanded)
-            d.SetBand(0, d.Count() - 1);
-    }
-    for (int i = 0; i < d.Count(); ++i) {
-        Comp v{};
-        if (!reading) {
-            if constexpr (kBanded)
-                v = d.Get(i);
-            else
-                v = d[i];
-        }
-        for (int k = 0; k < Comp::kSize; ++k)
-            s.Serialize(v.v[k]);
-        if (reading)
-            d[i] = v;
-    }
+    if (s.IsReading() && d.SetLength(n) != 0)
+        s.SetAllocError();
+    double* values = d.Values();
+    const int doubles = d.Count() * Comp::kSize;
+    for (int k = 0; k < doubles; ++k)
+        s.Serialize(values[k]);
 }
 
 template <class M, class L, bool kPolarized>

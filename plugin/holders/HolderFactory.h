@@ -57,7 +57,9 @@ ArrayRayColorHolder* NewArrayRayColorHold() {
 }
 
 // A light array sized to n colours. When the array cannot be sized the result is null without a
-// report of its own (the array's Alloc reports a negative n) and the new holder is released.
+// report of its own (the array's Alloc reports a negative n). The new holder is then released
+// here, deliberately: the caller gets no pointer to it, so keeping it would only leak it, and no
+// host can rely on a leak.
 template <class M>
 ArrayLgtColorHolder* NewArrayLgtColorHold(int n) {
     TPlugRef<ArrayLgtColorHold<M>> holder = New<ArrayLgtColorHold<M>>();

@@ -16,6 +16,16 @@ constexpr int kGrowthStep = 10;
 // tolerance, the single-precision epsilon 2^-23.
 constexpr double kBoundsWidening = 1.0 + 1.192092896e-7;
 
+// Sizes a table to n rows of zeros. A preparation that stops after sizing a table leaves it
+// sized (the next preparation takes the counted table as done), so its rows must read as no
+// response rather than as whatever the storage held. 0 or -1.
+int SizeZeroed(TArray<RGBColourDistr<double>>& table, int n) {
+    if (table.Alloc(n) != 0)
+        return -1;
+    table.Fill(RGBColourDistr<double>{0.0, 0.0, 0.0});
+    return 0;
+}
+
 RGBColourDistr<double> ToDistr(const TVect3<double>& v) {
     return {v.x, v.y, v.z};
 }
@@ -45,8 +55,8 @@ int MassColConv::PrepareForLight() {
         return 0;
     if (!Converter()) // made without a converter: nothing to fill the tables from
         return -1;
-    if (lightRGB_.Alloc(n) != 0 || lightRGBDensity_.Alloc(n) != 0 || lightXYZ_.Alloc(n) != 0 ||
-        lightXYZDensity_.Alloc(n) != 0)
+    if (SizeZeroed(lightRGB_, n) != 0 || SizeZeroed(lightRGBDensity_, n) != 0 ||
+        SizeZeroed(lightXYZ_, n) != 0 || SizeZeroed(lightXYZDensity_, n) != 0)
         return -1;
     TArray<double> spike(kGrowthStep);
     MArray<double> inv(kGrowthStep);
@@ -104,7 +114,7 @@ int MassColConv::PrepareForSurface() {
     if (!Converter())
         return -1;
     TArray<double> spike(kGrowthStep);
-    if (surfaceRGB_.Alloc(n) != 0 || spike.Alloc(n) != 0)
+    if (SizeZeroed(surfaceRGB_, n) != 0 || spike.Alloc(n) != 0)
         return -1;
     const CIEConv* conv = Converter();
     spike.Fill(0.0);

@@ -97,10 +97,11 @@ void BWModel<Pol>::AddRayToArray(const IRayColor& c, double* out) const {
 }
 
 // The energy that the light carries when measured on the shared 380..780 nm spectral model: the
-// colour converted into a light colour of that model (the holder the model makes holds one value
-// per wavelength of its grid), then that model's LgtEnergy. 0.0 when the model cannot be had, when
-// the holder cannot be made (reported as no memory) or when the conversion fails (reported by
-// it). The holder goes with the call.
+// colour converted into a light colour of that model, then that model's LgtEnergy. The holder
+// that the model makes starts empty, so its colour is sized here to one value per wavelength of
+// the model's grid, as any user of a spectral holder sizes it. 0.0 when the model cannot be had,
+// when the holder or its colour cannot be made (reported as no memory) or when the conversion
+// fails (reported by it). The holder goes with the call.
 template <class Pol>
 double BWModel<Pol>::RayEnergy(const ILgtColor& c) const {
     using Spectral = SpectralModel<Unpolarized>;
@@ -108,7 +109,8 @@ double BWModel<Pol>::RayEnergy(const ILgtColor& c) const {
     if (model == nullptr)
         return 0.0;
     TPlugRef<Holder<ILgtColor>> holder = model->NewLgtColorHold();
-    if (holder.Get() == nullptr) {
+    if (holder.Get() == nullptr ||
+        ColourAccess::Value<Spectral>(holder->Color()).Distr().SetLength(model->NWaves()) != 0) {
         User()->ErrorNoMemory(-1);
         return 0.0;
     }

@@ -12,7 +12,8 @@
 // A grey lands as intensity: the value itself, I of a Stokes vector or element (0,0) of a Mueller
 // matrix, the other elements 0. Polarized values pass whole only from a polarized BW source, from
 // a polarized RGB surface (the mean of the three Mueller matrices, element by element) and from a
-// polarized spectral source (the mean over wavelengths of every element, BWWaveMean.h).
+// polarized spectral source (the mean over wavelengths of every element, BWWaveMean.h). A spectral
+// source of any sample count is read as SourceSamples.h states for every model.
 #pragma once
 
 #include "hostkit/base/User.h"
@@ -21,6 +22,7 @@
 #include "plugin/models/BWWaveMean.h"
 #include "plugin/models/ColourAccess.h"
 #include "plugin/models/ColourMath.h"
+#include "plugin/models/SourceSamples.h"
 #include "plugin/models/SpectralModel.h"
 
 #include <type_traits>
@@ -69,7 +71,9 @@ struct Kind;
 template <>
 struct Kind<ILgtColor> {
     static constexpr int kPolarizedSize = StkLightComp::kSize;
-    static constexpr const char* kNotSupported = "Not supported light color conversion";
+    static int NotSupported() {
+        return User()->InternalError("Not supported light color conversion");
+    }
     static constexpr const char* kFailure = "BW light color conversion failure";
     static void Read(const ColorModel* src, const ILgtColor& c, double* out) {
         src->LgtToArray(c, out);
@@ -80,7 +84,9 @@ struct Kind<ILgtColor> {
 template <>
 struct Kind<ISurfColor> {
     static constexpr int kPolarizedSize = StkSurfComp::kSize;
-    static constexpr const char* kNotSupported = "Not supported surface color conversion";
+    static int NotSupported() {
+        return User()->InternalError("Not supported surface color conversion");
+    }
     static constexpr const char* kFailure = "BW surface color conversion failure";
     static void Read(const ColorModel* src, const ISurfColor& c, double* out) {
         src->SurfToArray(c, out);
@@ -91,7 +97,9 @@ struct Kind<ISurfColor> {
 template <>
 struct Kind<IScalarColor> {
     static constexpr int kPolarizedSize = 1; // scalar colours carry no polarization
-    static constexpr const char* kNotSupported = "Not supported scalar color conversion";
+    static int NotSupported() {
+        return User()->InternalError("Not supported scalar color conversion");
+    }
     static constexpr const char* kFailure = "BW scalar color conversion failure";
     static void Read(const ColorModel* src, const IScalarColor& c, double* out) {
         src->ScalarToArray(c, out);
@@ -138,16 +146,17 @@ void FromRGB(const ColorModel* src, const I& from, V& to) {
     }
 }
 
-// Unpolarized spectral source: its values in a scratch spectrum of NWaves doubles (zero where the
-// source writes nothing); light through spectrum2xyz and M, surfaces and scalars through
-// spectrum2bw. The converter's status is not a failure of the conversion: it leaves 0.
+// Unpolarized spectral source: its first NWaves values in a scratch spectrum (SourceSamples.h);
+// light through spectrum2xyz and M, surfaces and scalars through spectrum2bw. The converter's
+// status is not a failure of the conversion: it leaves 0.
 template <class I, class V>
 int FromSpectrum(const ColorModel* src, const I& from, V& to) {
     TArray<double> spectrum(10, 1);
-    if (spectrum.Alloc(src->NWaves()) != 0)
+    const auto read = [](const ColorModel& m, const I& c, double* out) {
+        Kind<I>::Read(&m, c, out);
+    };
+    if (SourceSamples::FirstSamples(*src, from, read, spectrum) != 0)
         return Kind<I>::NoMemory();
-    spectrum.Fill(0.0);
-    Kind<I>::Read(src, from, spectrum.Data());
     double grey = 0.0;
     if constexpr (std::is_same_v<I, ILgtColor>) {
         TVect3<double> xyz(0.0, 0.0, 0.0);
@@ -194,7 +203,7 @@ int Convert(const ColorModel* src, const I& from, V& to) {
     case Source::Other:
         break;
     }
-    return User()->InternalError("%s", Kind<I>::kNotSupported);
+    return Kind<I>::NotSupported();
 }
 
 } // namespace BWConversion

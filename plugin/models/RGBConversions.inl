@@ -5,7 +5,9 @@
 // channel by channel; XYZ and xyY go through M; spectra through the current converter. A
 // polarized spectrum is converted element by element: element k of every sample, gathered over
 // the grid, is one spectrum whose RGB becomes element k of the three destination channels (only
-// element 0, the intensity, when the destination is unpolarized).
+// element 0, the intensity, when the destination is unpolarized). A spectral source of any sample
+// count is read as SourceSamples.h states for every model: a polarized one of another count than
+// its grid fails with the conversion's report, an unpolarized one gives its first NWaves samples.
 #pragma once
 
 #include <type_traits>
@@ -119,16 +121,12 @@ inline int ConversionFailure(const char* text) {
     return User()->ErrorMessageEx(text, text);
 }
 
-// Readies the scratch spectrum of an unpolarized spectral source: 0 when the colour has the
-// source's NWaves samples and `spectrum` holds as many; otherwise the code of the report made,
-// ErrorMessageEx(failure) for a sample count that is not NWaves, ErrorNoMemory(-1) when the
-// scratch cannot be sized.
-template <class I>
-int SizeScratch(const ColorModel* src, const I& from, TArray<double>& spectrum,
-                const char* failure) {
-    if (SampleCount(src, from) != src->NWaves())
-        return ConversionFailure(failure);
-    if (spectrum.Alloc(src->NWaves()) != 0)
+// The scratch spectrum of an unpolarized spectral source: the first NWaves doubles that `read`
+// (the source's array slot of the colour's kind) writes, zeros past them (SourceSamples.h). 0, or
+// the code of ErrorNoMemory(-1) when the scratch cannot be sized.
+template <class I, class Read>
+int ReadScratch(const ColorModel* src, const I& from, TArray<double>& spectrum, Read read) {
+    if (SourceSamples::FirstSamples(*src, from, read, spectrum) != 0)
         return User()->ErrorNoMemory(-1);
     return 0;
 }
@@ -174,9 +172,11 @@ int RGBModel<Pol>::ConvertColor(const ColorModel* src, const ISurfColor& from,
             return 0;
         }
         TArray<double> spectrum(10);
-        if (const int r = SizeScratch(src, from, spectrum, kFailure))
+        const auto read = [](const ColorModel& m, const ISurfColor& c, double* values) {
+            m.SurfToArray(c, values);
+        };
+        if (const int r = ReadScratch(src, from, spectrum, read))
             return r;
-        src->SurfToArray(from, spectrum.Data());
         TVect3<double> rgb(0.0, 0.0, 0.0);
         this->GetCIEConv()->spectrum2rgbAttr(src->GetWaveLengths(), spectrum, rgb);
         CIEConv::ClipRGBScale(rgb);
@@ -212,9 +212,11 @@ int RGBModel<Pol>::ConvertColor(const ColorModel* src, const IScalarColor& from,
             return 0;
         }
         TArray<double> spectrum(10);
-        if (const int r = SizeScratch(src, from, spectrum, kFailure))
+        const auto read = [](const ColorModel& m, const IScalarColor& c, double* values) {
+            m.ScalarToArray(c, values);
+        };
+        if (const int r = ReadScratch(src, from, spectrum, read))
             return r;
-        src->ScalarToArray(from, spectrum.Data());
         RGBOps::SetIntensities(out, SpectrumRGB(src->GetWaveLengths(), spectrum));
     } else {
         return User()->InternalError("Not supported scalar color conversion");
@@ -246,9 +248,11 @@ int RGBModel<Pol>::ConvertColor(const ColorModel* src, const ILgtColor& from, IL
             RGBOps::SetIntensities(out, SpectrumRGB(src->GetWaveLengths(), spectrum));
         } else {
             TArray<double> spectrum(10);
-            if (const int r = SizeScratch(src, from, spectrum, kFailure))
+            const auto read = [](const ColorModel& m, const ILgtColor& c, double* values) {
+                m.LgtToArray(c, values);
+            };
+            if (const int r = ReadScratch(src, from, spectrum, read))
                 return r;
-            src->LgtToArray(from, spectrum.Data());
             RGBOps::SetIntensities(out, SpectrumRGB(src->GetWaveLengths(), spectrum));
         }
     } else {

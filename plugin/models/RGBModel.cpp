@@ -9,6 +9,7 @@
 #include "plugin/models/ColourAccess.h"
 #include "plugin/models/ColourMath.h"
 #include "plugin/models/RGBOps.h"
+#include "plugin/models/SourceSamples.h"
 
 namespace Korvane {
 namespace {

@@ -55,11 +55,12 @@ public:
     // intensities, or whole components into a polarized destination; XYZ and xyY go through M
     // (xyY after xyY -> XYZ with negatives set to 0); a spectrum through the converter (a
     // polarized one element by element). Any other source: InternalError "Not supported ...
-    // color conversion". A spectral colour whose sample count is not the source's NWaves, or a
-    // scratch spectrum that cannot be sized on a polarized path: ErrorMessageEx "RGB ... color
-    // conversion failure"; on an unpolarized path: ErrorNoMemory(-1). The report's code is
-    // returned, else 0. Surfaces from XYZ and xyY have negatives set to 0, from an unpolarized
-    // spectrum are clipped by ClipRGBScale; a light ends with ClampLgtColor.
+    // color conversion". A polarized spectral colour whose sample count is not the source's
+    // NWaves, or a scratch spectrum that cannot be sized on a polarized path: ErrorMessageEx
+    // "RGB ... color conversion failure"; an unpolarized spectral colour gives its first NWaves
+    // samples (SourceSamples.h), and a scratch that cannot be sized there ErrorNoMemory(-1). The
+    // report's code is returned, else 0. Surfaces from XYZ and xyY have negatives set to 0, from an
+    // unpolarized spectrum are clipped by ClipRGBScale; a light ends with ClampLgtColor.
     int ConvertColor(const ColorModel* src, const ISurfColor& from, ISurfColor& to) const override;
     // A scalar XYZ or xyY colour is read as its one (first) value in all three coordinates.
     int ConvertColor(const ColorModel* src, const IScalarColor& from,

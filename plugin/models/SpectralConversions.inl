@@ -7,9 +7,10 @@
 // values are resampled from the source grid (Resample.h). Every light conversion ends with
 // ClampLgtColor. A polarized model takes light and surface colours from BW sources only.
 //
-// Values are written for every stored component of the target colour (a colour is sized to the
-// grid). A reconstruction gives one value per wavelength; a Stokes light keeps it as I with
-// Q = U = V = 0 and a Mueller surface as element (0,0) with the other fifteen 0 (a depolarizer).
+// Values are written for every stored component of the target colour (its user sizes it,
+// normally to the grid; a holder's colours start empty). A reconstruction gives one value per
+// wavelength; a Stokes light keeps it as I with Q = U = V = 0 and a Mueller surface as element
+// (0,0) with the other fifteen 0 (a depolarizer).
 // Failures are reported through User() and their code returned; messages are translated under
 // the context "SpectralModel<class Korvane::Unpolarized>::ConvertColor" (Stokes:
 // "...StokesPolarization>..."). A failed conversion may leave partial values in the target.
@@ -447,7 +448,9 @@ void SpectralModel<Pol>::RGBConvertToRayColor(const TVect3<double>& rgb, IRayCol
     const double luminance = k.x * rgb.x + k.y * rgb.y + k.z * rgb.z;
     double sum = 0.0;
     MassColConv* mc = GetMassColConv();
-    if (mc && count == mc->Wavelengths().Count() && mc->PrepareForLight() == 0) {
+    // The XYZ table's own row count is asked too: a half-failed preparation leaves it short.
+    if (mc && count == mc->Wavelengths().Count() && mc->PrepareForLight() == 0 &&
+        mc->LightXYZ().Count() == count) {
         const TArray<RGBColourDistr<double>>& xyz = mc->LightXYZ();
         for (int i = 0; i < count; ++i)
             sum += d[i][0] * xyz[i].g;

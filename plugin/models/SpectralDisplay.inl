@@ -35,17 +35,28 @@ inline TVect3<double> Response(const TArray<RGBColourDistr<double>>& table, cons
     return sum;
 }
 
+// Whether `table` has the n rows that a sum over n values reads. Every reader of a converter's
+// table asks this of that table itself: a preparation that failed half way is taken as done by
+// the next one (it tests the light RGB table alone), and leaves the other tables short.
+inline bool HasRows(const TArray<RGBColourDistr<double>>& table, int n) {
+    return table.Count() == n;
+}
+
 // RGB of n values, `stride` doubles apart, through one of the converter's light RGB tables
 // (density: the values are band energies; plain: densities). (0, 0, 0) when there is no
-// converter, when its grid has another length than the values (their sum would be undefined)
-// or when its tables cannot be prepared. Otherwise negatives become 0 if asked, then the triple
-// is divided by its sum if asked and that sum is not 0.
+// converter, when its grid has another length than the values (their sum would be undefined),
+// when its tables cannot be prepared or when the table read has not n rows. Otherwise negatives
+// become 0 if asked, then the triple is divided by its sum if asked and that sum is not 0.
 inline TVect3<double> LightRGB(MassColConv* conv, const double* values, int stride, int n,
                                bool density, bool normalize, bool clampNegative) {
     TVect3<double> rgb(0.0, 0.0, 0.0);
     if (!conv || n != conv->Wavelengths().Count() || conv->PrepareForLight() != 0)
         return rgb;
-    rgb = Response(density ? conv->LightRGBDensity() : conv->LightRGB(), values, stride, n);
+    const TArray<RGBColourDistr<double>>& table =
+        density ? conv->LightRGBDensity() : conv->LightRGB();
+    if (!HasRows(table, n))
+        return rgb;
+    rgb = Response(table, values, stride, n);
     if (clampNegative)
         rgb = ColourMath::ClampNegative(rgb);
     const double sum = rgb.x + rgb.y + rgb.z;
@@ -164,8 +175,8 @@ int SpectralModel<Pol>::LgtColorToRGB(const ILgtColor& c, TVect3<double>& rgb, b
 
 // XYZ of the light through the converter's density table, the stored values read as for
 // LgtColorToRGB; no clamping, no normalizing. A colour whose length differs from the converter's
-// grid (or a model without converter) leaves `xyz` as it was; tables that cannot be prepared give
-// (0, 0, 0). Always 0.
+// grid (or a model without converter) leaves `xyz` as it was; tables that cannot be prepared, or
+// an XYZ table left without its rows by a failed preparation, give (0, 0, 0). Always 0.
 template <class Pol>
 int SpectralModel<Pol>::LgtColorToXYZ(const ILgtColor& c, TVect3<double>& xyz) const {
     const auto& d = ColourAccess::Value<SpectralModel>(c).Distr();
@@ -173,7 +184,8 @@ int SpectralModel<Pol>::LgtColorToXYZ(const ILgtColor& c, TVect3<double>& xyz) c
     if (!conv || d.Count() != conv->Wavelengths().Count())
         return 0;
     xyz = TVect3<double>(0.0, 0.0, 0.0);
-    if (conv->PrepareForLight() == 0)
+    if (conv->PrepareForLight() == 0 &&
+        SpectralDisplay::HasRows(conv->LightXYZDensity(), d.Count()))
         xyz = SpectralDisplay::Response(conv->LightXYZDensity(), d.Values(), Pol::LightComp::kSize,
                                         d.Count());
     return 0;

@@ -5,6 +5,7 @@
 #include "hostkit/base/User.h"
 #include "hostkit/cie/CIEConv.h"
 #include "plugin/models/CIETriple.h"
+#include "plugin/models/SourceSamples.h"
 #include "plugin/models/XYZSources.h"
 
 #include <type_traits>
@@ -18,7 +19,9 @@ using ColourAccess::Value;
 // What the colour kinds read differently: the samples a spectral source hands out, the integral
 // that gives their XYZ, and whether the source's polarization matters.
 struct LightKind {
-    static constexpr const char* kUnsupported = "Not supported light color conversion";
+    static int Unsupported() {
+        return User()->InternalError("Not supported light color conversion");
+    }
     static constexpr bool kPolarized = true;
     static void Samples(const ColorModel& src, const ILgtColor& c, double* out) {
         src.LgtToArray(c, out);
@@ -30,7 +33,9 @@ struct LightKind {
 };
 
 struct SurfaceKind {
-    static constexpr const char* kUnsupported = "Not supported surface color conversion";
+    static int Unsupported() {
+        return User()->InternalError("Not supported surface color conversion");
+    }
     static constexpr bool kPolarized = true;
     static void Samples(const ColorModel& src, const ISurfColor& c, double* out) {
         src.SurfToArray(c, out);
@@ -42,7 +47,9 @@ struct SurfaceKind {
 };
 
 struct ScalarKind {
-    static constexpr const char* kUnsupported = "Not supported scalar color conversion";
+    static int Unsupported() {
+        return User()->InternalError("Not supported scalar color conversion");
+    }
     static constexpr bool kPolarized = false;
     static void Samples(const ColorModel& src, const IScalarColor& c, double* out) {
         src.ScalarToArray(c, out);
@@ -75,11 +82,9 @@ TVect3<double> XYZOfChannels(const ColorModel& src, const I& from) {
     return ColorModel::GetCIEConv()->RGB2XYZ() * v;
 }
 
-// XYZ of a spectral colour: its samples in a scratch spectrum of the source's NWaves values,
-// integrated over the source's grid. The scratch has room for every stored sample and starts at
-// 0, so a colour longer or shorter than the grid neither writes past it nor leaves values unset.
-// The integral's own status is not a failure of the conversion: on a grid it cannot integrate it
-// gives (0, 0, 0). 0, or ErrorNoMemory's code.
+// XYZ of a spectral colour: its first NWaves samples in a scratch spectrum (SourceSamples.h),
+// integrated over the source's grid. The integral's own status is not a failure of the
+// conversion: on a grid it cannot integrate it gives (0, 0, 0). 0, or ErrorNoMemory's code.
 template <class Kind, class I>
 int SpectralXYZ(const ColorModel& src, const I& from, TVect3<double>& xyz) {
     const int n = src.NWaves();
@@ -95,14 +100,9 @@ int SpectralXYZ(const ColorModel& src, const I& from, TVect3<double>& xyz) {
             }
         }
     }
-    int stored = 0;
-    InSourceLayout<SpectralModel>(src, from, [&stored](const auto& c) { stored = c.Count(); });
     TArray<double> spectrum(10);
-    if (spectrum.Alloc(stored > n ? stored : n) != 0)
+    if (SourceSamples::FirstSamples(src, from, Kind::Samples, spectrum) != 0)
         return User()->ErrorNoMemory(-1);
-    spectrum.Fill(0.0);
-    Kind::Samples(src, from, spectrum.Data());
-    spectrum.Alloc(n); // never grows here: only the count changes
     Kind::Integrate(src.GetWaveLengths(), spectrum, xyz);
     return 0;
 }
@@ -114,7 +114,7 @@ int ReadAs(const ColorModel* src, const I& from, Target target, const char* refu
         return target == Target::XYZ ? xyz : ColourMath::XYZToXYY(xyz);
     };
     if (!src)
-        return User()->InternalError("%s", Kind::kUnsupported);
+        return Kind::Unsupported();
     if (src->IsBW()) {
         out = inTarget(XYZOfChannels<BWModel>(*src, from));
     } else if (src->IsRGB()) {
@@ -132,7 +132,7 @@ int ReadAs(const ColorModel* src, const I& from, Target target, const char* refu
             return status;
         out = inTarget(xyz);
     } else {
-        return User()->InternalError("%s", Kind::kUnsupported);
+        return Kind::Unsupported();
     }
     return 0;
 }

@@ -25,6 +25,10 @@ BSpectralModel::BSpectralModel(const BSpectralModel& other)
 
 BSpectralModel::~BSpectralModel() = default;
 
+const char* BSpectralModel::Tag() {
+    return "Spectr";
+}
+
 bool BSpectralModel::CheckWaves(const MArray<double>& waves, bool* equidistant) {
     const int n = waves.Count();
     if (n < 1)

@@ -25,7 +25,7 @@ public:
     BSpectralModel(const BSpectralModel& other);
     ~BSpectralModel() override;
 
-    static const char* Tag() { return "Spectr"; }
+    static const char* Tag(); // "Spectr", exported with the class like every model's Tag
 
     // A grid is valid when it has at least one wavelength, the first is above 0 and every step
     // is above 0. It is equidistant when no two consecutive steps differ by more than

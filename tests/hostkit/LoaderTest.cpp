@@ -12,6 +12,7 @@
 
 #include <fstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 using namespace Korvane;
@@ -194,4 +195,25 @@ TEST(PluginLoader, LoadsTheColourModelPlugIn) {
     for (const std::string& ident : types)
         EXPECT_EQ(PlugType::Find(ident.c_str()), nullptr) << ident;
     EXPECT_TRUE(TColorModel->Models().empty());
+}
+
+// The Tag of every model family is an exported class member: a host that links against the
+// module finds it in the module's export table, the spectral one included.
+TEST(PluginLoader, TheModuleExportsEveryModelTag) {
+    PluginLoader loader;
+    ASSERT_EQ(loader.Load(KORVANE_COLOUR_MODULE_PATH), 0) << loader.Error();
+    using TagFunction = const char* (*)();
+    const std::pair<const char*, const char*> tags[] = {
+        {"_ZN7Korvane8BBWModel3TagEv", "BW"},
+        {"_ZN7Korvane9BRGBModel3TagEv", "RGB"},
+        {"_ZN7Korvane14BSpectralModel3TagEv", "Spectr"},
+        {"_ZN7Korvane11Unpolarized3TagEv", "U"},
+        {"_ZN7Korvane18StokesPolarization3TagEv", "Stk"},
+    };
+    for (const auto& [symbol, tag] : tags) {
+        void* found = loader.FindExport(symbol);
+        ASSERT_NE(found, nullptr) << symbol;
+        EXPECT_STREQ(reinterpret_cast<TagFunction>(found)(), tag) << symbol;
+    }
+    loader.Unload();
 }

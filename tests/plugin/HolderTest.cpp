@@ -133,17 +133,49 @@ TEST_F(Registered, ArchiveFormsOfAStokesRayAndABandedLight) {
     text.Serialize(xort, 3);
     EXPECT_EQ(text.CloseGroup(), 0) << text.Error();
     EXPECT_EQ(xort[1], 2.0);
+}
 
-    // A spectral light writes what it reads: zero outside its band, which reads back full.
-    TPlugRef<ColorHold<LgtColor<SpU>>> light = new ColorHold<LgtColor<SpU>>();
-    Pattern(light->Value(), 3.0);
+// A spectral light goes out as it is stored, inside its band or not: the count, then every double
+// of every sample, exchanged one by one. Reading it back into a colour of another count sizes it
+// anew (band [0, count - 1]); into a colour of that count it lands in place, band kept.
+TEST_F(Registered, ASpectralLightIsArchivedAsItsStoredSamples) {
+    TPlugRef<ColorHold<LgtColor<SpS>>> light = new ColorHold<LgtColor<SpS>>();
+    Pattern(light->Value(), 3.0); // 3 samples of 4 doubles: 3.0, 3.25, ..., 5.75
     light->Value().Distr().SetBand(1, 1);
-    TPlugRef<ColorHold<LgtColor<SpU>>> back = new ColorHold<LgtColor<SpU>>();
-    ASSERT_EQ(Read(*back.Get(), Write(*light.Get(), ArchiveFormat::Text), ArchiveFormat::Text), "");
-    const auto& d = back->Value().Distr();
-    EXPECT_EQ(d.Last() - d.First(), 2);
-    EXPECT_EQ(d.Get(0)[0] + d.Get(2)[0], 0.0);
-    EXPECT_EQ(d.Get(1)[0], 3.25);
+    for (ArchiveFormat format : {ArchiveFormat::Binary, ArchiveFormat::Text}) {
+        auto expected = [](auto& archive) {
+            archive.OpenGroup("Color");
+            std::int32_t count = 3;
+            archive.SerializeCount(count, 4);
+            for (int k = 0; k < 12; ++k) {
+                double v = 3.0 + 0.25 * k;
+                archive.Serialize(v);
+            }
+            archive.CloseGroup();
+            EXPECT_EQ(archive.Finish(), 0);
+        };
+        BinarySerializer binary;
+        TextSerializer text;
+        format == ArchiveFormat::Binary ? expected(binary) : expected(text);
+        const std::string bytes = Write(*light.Get(), format);
+        EXPECT_EQ(bytes, format == ArchiveFormat::Binary ? binary.Bytes() : text.Text());
+
+        TPlugRef<ColorHold<LgtColor<SpS>>> fresh = new ColorHold<LgtColor<SpS>>();
+        ASSERT_EQ(Read(*fresh.Get(), bytes, format), "");
+        EXPECT_EQ(fresh->Value().Distr().First(), 0);
+        EXPECT_EQ(fresh->Value().Distr().Last(), 2);
+        EXPECT_EQ(fresh->Value(), light->Value());
+
+        TPlugRef<ColorHold<LgtColor<SpS>>> same = new ColorHold<LgtColor<SpS>>();
+        Pattern(same->Value(), 7.0);
+        same->Value().Distr().SetBand(2, 2);
+        const double* storage = same->Value().Values();
+        ASSERT_EQ(Read(*same.Get(), bytes, format), "");
+        EXPECT_EQ(same->Value().Values(), storage);
+        EXPECT_EQ(same->Value().Distr().First(), 2);
+        EXPECT_EQ(same->Value().Distr().Last(), 2);
+        EXPECT_EQ(same->Value(), light->Value());
+    }
 }
 
 TEST_F(Registered, SpectralCountsFromArchivesAreCheckedBeforeAllocating) {

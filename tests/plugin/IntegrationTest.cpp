@@ -9,6 +9,7 @@
 #include "hostkit/base/User.h"
 #include "hostkit/cie/CIEConv.h"
 #include "hostkit/colormodel/ColorModelType.h"
+#include "plugin/models/ColourAccess.h"
 
 #include <gtest/gtest.h>
 
@@ -88,17 +89,45 @@ Values Pattern(const ColorModel& m, Kind kind) {
     return v;
 }
 
-// The model's own holders, setters and readers by colour interface.
+// A spectral colour sized to its model's grid with zero samples, as a host sizes the colours
+// of the holders it makes; colours of the other models have their size.
+template <class I>
+void SizeForModel(const ColorModel& m, I& c) {
+    if (!m.IsSpectral())
+        return;
+    const auto size = [&m](auto& v) {
+        auto& d = v.Distr();
+        ASSERT_EQ(d.SetLength(m.NWaves()), 0);
+        for (int k = 0; k < d.Count() * std::decay_t<decltype(d)>::Component::kSize; ++k)
+            d.Values()[k] = 0.0;
+    };
+    const auto sizeColour = [&size](auto& v) {
+        if constexpr (std::is_same_v<I, IRayColor>)
+            size(v.Light());
+        else
+            size(v);
+    };
+    if (m.HasPolarization())
+        sizeColour(ColourAccess::Value<SpectralModel<StokesPolarization>>(c));
+    else
+        sizeColour(ColourAccess::Value<SpectralModel<Unpolarized>>(c));
+}
+
+// The model's own holders (spectral colours sized), setters and readers by colour interface.
 template <class I>
 Holder<I>* NewHold(const ColorModel& m) {
+    Holder<I>* made = nullptr;
     if constexpr (std::is_same_v<I, ILgtColor>)
-        return m.NewLgtColorHold();
+        made = m.NewLgtColorHold();
     else if constexpr (std::is_same_v<I, ISurfColor>)
-        return m.NewSurfColorHold();
+        made = m.NewSurfColorHold();
     else if constexpr (std::is_same_v<I, IScalarColor>)
-        return m.NewScalarColorHold();
+        made = m.NewScalarColorHold();
     else
-        return m.NewRayColorHold();
+        made = m.NewRayColorHold();
+    if (made)
+        SizeForModel(m, made->Color());
+    return made;
 }
 void Set(const ColorModel& m, ILgtColor& c, const double* v) {
     m.SetLgtColor(c, v);

@@ -196,14 +196,16 @@ TEST(RGBModelConversion, FailuresReportTheirTextAndCode) {
     ExpectReport(m.rgbS->ConvertColor(&other, scalar, scalar), internal,
                  "Not supported scalar color conversion");
 
-    // Spectral colours of 5 samples on a grid of 33: the ray conversion refuses silently.
+    // Polarized spectral colours of 5 samples on a grid of 33 fail with the conversion's report;
+    // the ray conversion refuses silently. (Unpolarized ones convert as their first samples:
+    // SampleCountTest.)
     TArray<double> five(10);
     five.Alloc(5);
     five.Fill(1.0);
     const auto shortLight = Spectral<LgtColor<SpS>>(five);
     ExpectReport(m.rgbS->ConvertColor(m.specS.Get(), shortLight, lgt), message,
                  "RGB light color conversion failure");
-    ExpectReport(m.rgbS->ConvertColor(m.specU.Get(), Spectral<SurfColor<SpU>>(five), surf), message,
+    ExpectReport(m.rgbS->ConvertColor(m.specS.Get(), Spectral<SurfColor<SpS>>(five), surf), message,
                  "RGB surface color conversion failure");
     ReportLog::Clear();
     RayColor<RS> ray;
