@@ -11,6 +11,7 @@
 #include "plugin/frame/ModuleEntry.h"
 #include "plugin/models/RGBModel.h"
 #include "plugin/models/SpectralModel.h"
+#include "plugin/models/XYZModel.h"
 
 #include "hostkit/base/MemStat.h"
 #include "hostkit/cie/CIEConvAll.h"
@@ -18,6 +19,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -26,6 +28,7 @@ namespace {
 
 constexpr int kN = 33; // the default grid
 constexpr int kM = 81; // the resampling source grid, 380..780 nm by 5
+constexpr int kW = 41; // the shared 380..780 nm grid by 10
 
 using USpec = SpectralModel<Unpolarized>;
 using SSpec = SpectralModel<StokesPolarization>;
@@ -37,7 +40,9 @@ struct Fixture {
     USpec* spectral = nullptr;
     SSpec* stokes = nullptr;
     URGB* rgb = nullptr;
-    TPlugRef<USpec> wide; // a spectral model on the 81-point grid
+    TPlugRef<USpec> wide;    // a spectral model on the 81-point grid
+    USpec* wide10 = nullptr; // the shared 380..780 nm model, 41 points by 10
+    XYZModel* xyzModel = nullptr;
 
     LgtColor<URGB> rgbLight{};
     LgtColor<USpec> light;     // a positive spectrum on the default grid
@@ -53,8 +58,11 @@ struct Fixture {
     double m[3][3];        // the converter's XYZ-to-RGB matrix
     double w[kN];          // the grid's trapezoid weights
     double trap[kN];       // the trapezoid area weights of LgtEnergy
-    int lerpJ[kN];         // resampling: left source index and weight
+    int lerpJ[kN];         // resampling 81 -> 33: left source index and weight
     double lerpU[kN];
+    int lerp10J[kW]; // resampling 33 -> 41
+    double lerp10U[kW];
+    double span[kN];      // LgtEnergy: l[k+1] - l[k-1] inside, the single step at the ends
     double start[4 * kN]; // the values DensityToEnergy starts from on each iteration
     double plain[4 * kN]; // baseline storage
     double plainB[kN];
@@ -63,6 +71,8 @@ struct Fixture {
         if (InitClasses() != 0)
             std::abort();
         spectral = USpec::GetModel();
+        wide10 = USpec::GetModel_380_780();
+        xyzModel = XYZModel::GetModel();
         stokes = SSpec::GetModel();
         rgb = URGB::GetModel();
         const MArray<double>& grid = spectral->GetWaveLengths();
@@ -121,13 +131,10 @@ struct Fixture {
         for (int r = 0; r < 3; ++r)
             for (int c = 0; c < 3; ++c)
                 m[r][c] = mat[r][c];
-        for (int i = 0; i < kN; ++i) {
-            int j = 0;
-            while (j < kM - 2 && wideGrid[j + 1] <= grid[i])
-                ++j;
-            lerpJ[i] = j;
-            lerpU[i] = (grid[i] - wideGrid[j]) / (wideGrid[j + 1] - wideGrid[j]);
-        }
+        Plan(wideGrid, grid, lerpJ, lerpU);
+        Plan(grid, wide10->GetWaveLengths(), lerp10J, lerp10U);
+        for (int k = 0; k < kN; ++k)
+            span[k] = grid[k < kN - 1 ? k + 1 : k] - grid[k > 0 ? k - 1 : k];
         std::memcpy(start, stokesLight.Values(), sizeof start);
         std::memcpy(plain, start, sizeof plain);
         for (int i = 0; i < kN; ++i)
@@ -143,6 +150,31 @@ struct Fixture {
         wideLight.Distr().SetLength(0);
         stokesLight.Distr().SetLength(0);
         TermClasses();
+    }
+
+    // The interval and weight that the resampling walk gives every target wavelength (bisection,
+    // reciprocal width), held ends as weight 0 on the end interval: on finite values the same bits.
+    static void Plan(const MArray<double>& s, const MArray<double>& t, int* js, double* us) {
+        const int m = s.Count();
+        int jPrev = -2;
+        double r = 0.0;
+        for (int i = 0; i < t.Count(); ++i) {
+            if (t[i] <= s[0] || t[i] >= s[m - 1]) {
+                js[i] = t[i] <= s[0] ? 0 : m - 2;
+                us[i] = t[i] <= s[0] ? 0.0 : 1.0;
+                continue;
+            }
+            int j = jPrev;
+            if (j < 0 || t[i] > s[j + 1]) {
+                j = 0;
+                while (s[j + 1] <= t[i])
+                    ++j;
+                r = 1.0 / (s[j + 1] - s[j]);
+            }
+            jPrev = j;
+            js[i] = j;
+            us[i] = (t[i] - s[j]) * r;
+        }
     }
 
     template <class C>
@@ -170,6 +202,14 @@ void CountAllocations(benchmark::State& state, long long before) {
         benchmark::Counter(static_cast<double>(blocks) / static_cast<double>(state.iterations()));
 }
 
+// Allocations per call (counted when one thread runs: the per-thread colours of a second thread
+// are made outside its timing but inside the count) and calls done, for the scaling figures.
+void Finish(benchmark::State& state, long long before) {
+    if (state.threads() == 1)
+        CountAllocations(state, before);
+    state.SetItemsProcessed(state.iterations());
+}
+
 // The same three weighted sums as the mass converter's response, in the same order.
 TVect3<double> ThreeWeightSum(const double* s, int stride, const double (*wt)[kN]) {
     double a = 0.0, b = 0.0, c = 0.0;
@@ -185,19 +225,22 @@ TVect3<double> ThreeWeightSum(const double* s, int stride, const double (*wt)[kN
 // 1. A spectral light from an RGB light: reconstruction, then the clamp of negatives.
 void BM_SpectralLightFromRGB(benchmark::State& state) {
     Fixture& f = F();
+    LgtColor<USpec> target; // one per thread
+    Fixture::Size(target, kN);
+    LgtColor<URGB> source = f.rgbLight;
     const long long before = MemStats::Get("TArray").blocksTotal;
     int k = 0;
     for (auto _ : state) {
         const TVect3<double> c = Colour(k++);
-        f.rgbLight[0] = c.x;
-        f.rgbLight[2] = c.z;
-        benchmark::DoNotOptimize(f.spectral->ConvertColor(f.rgb, f.rgbLight, f.target));
+        source[0] = c.x;
+        source[2] = c.z;
+        benchmark::DoNotOptimize(f.spectral->ConvertColor(f.rgb, source, target));
         benchmark::ClobberMemory();
     }
-    CountAllocations(state, before);
+    Finish(state, before);
 }
 
-void BM_SpectralLightFromRGB_Baseline(benchmark::State& state) {
+void BM_SpectralLightFromRGB_Limit(benchmark::State& state) {
     Fixture& f = F();
     double* out = f.plain;
     int k = 0;
@@ -222,10 +265,10 @@ void BM_SpectralLgtColorToRGB(benchmark::State& state) {
         benchmark::DoNotOptimize(rgb);
         benchmark::ClobberMemory();
     }
-    CountAllocations(state, before);
+    Finish(state, before);
 }
 
-void BM_SpectralLgtColorToRGB_Baseline(benchmark::State& state) {
+void BM_SpectralLgtColorToRGB_Limit(benchmark::State& state) {
     Fixture& f = F();
     const double* s = f.light.Values();
     for (auto _ : state) {
@@ -238,15 +281,17 @@ void BM_SpectralLgtColorToRGB_Baseline(benchmark::State& state) {
 // 3. A spectral light resampled from the 81-point grid onto the default grid.
 void BM_SpectralLightResample(benchmark::State& state) {
     Fixture& f = F();
+    LgtColor<USpec> target; // one per thread
+    Fixture::Size(target, kN);
     const long long before = MemStats::Get("TArray").blocksTotal;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(f.spectral->ConvertColor(f.wide.Get(), f.wideLight, f.target));
+        benchmark::DoNotOptimize(f.spectral->ConvertColor(f.wide.Get(), f.wideLight, target));
         benchmark::ClobberMemory();
     }
-    CountAllocations(state, before);
+    Finish(state, before);
 }
 
-void BM_SpectralLightResample_Baseline(benchmark::State& state) {
+void BM_SpectralLightResample_Limit(benchmark::State& state) {
     Fixture& f = F();
     const double* v = f.wideLight.Values();
     double* out = f.plain;
@@ -266,17 +311,19 @@ void BM_SpectralLightResample_Baseline(benchmark::State& state) {
 // so both sides copy the starting values in first; the copy is the same 33 doubles in both.
 void BM_SpectralDensityToEnergy(benchmark::State& state) {
     Fixture& f = F();
+    LgtColor<USpec> target; // one per thread
+    Fixture::Size(target, kN);
     const long long before = MemStats::Get("TArray").blocksTotal;
-    double* v = f.target.Values();
+    double* v = target.Values();
     for (auto _ : state) {
         std::memcpy(v, f.start, kN * sizeof(double));
-        f.spectral->DensityToEnergy(f.target);
+        f.spectral->DensityToEnergy(target);
         benchmark::ClobberMemory();
     }
-    CountAllocations(state, before);
+    Finish(state, before);
 }
 
-void BM_SpectralDensityToEnergy_Baseline(benchmark::State& state) {
+void BM_SpectralDensityToEnergy_Limit(benchmark::State& state) {
     Fixture& f = F();
     double* v = f.plain;
     for (auto _ : state) {
@@ -301,7 +348,7 @@ void BM_SpectralAddScaledLgt(benchmark::State& state) {
     CountAllocations(state, before);
 }
 
-void BM_SpectralAddScaledLgt_Baseline(benchmark::State& state) {
+void BM_SpectralAddScaledLgt_Limit(benchmark::State& state) {
     Fixture& f = F();
     double* to = f.plain;
     for (auto _ : state) {
@@ -323,7 +370,7 @@ void BM_RGBRayFromSpectral(benchmark::State& state) {
     CountAllocations(state, before);
 }
 
-void BM_RGBRayFromSpectral_Baseline(benchmark::State& state) {
+void BM_RGBRayFromSpectral_Limit(benchmark::State& state) {
     Fixture& f = F();
     const double* s = f.light.Values();
     double out[3];
@@ -359,7 +406,7 @@ void BM_StokesDensityToEnergy(benchmark::State& state) {
     CountAllocations(state, before);
 }
 
-void BM_StokesDensityToEnergy_Baseline(benchmark::State& state) {
+void BM_StokesDensityToEnergy_Limit(benchmark::State& state) {
     Fixture& f = F();
     double* v = f.plain;
     for (auto _ : state) {
@@ -377,20 +424,236 @@ void BM_StokesDensityToEnergy_Baseline(benchmark::State& state) {
     }
 }
 
-BENCHMARK(BM_SpectralLightFromRGB);
-BENCHMARK(BM_SpectralLightFromRGB_Baseline);
-BENCHMARK(BM_SpectralLgtColorToRGB);
-BENCHMARK(BM_SpectralLgtColorToRGB_Baseline);
-BENCHMARK(BM_SpectralLightResample);
-BENCHMARK(BM_SpectralLightResample_Baseline);
-BENCHMARK(BM_SpectralDensityToEnergy);
-BENCHMARK(BM_SpectralDensityToEnergy_Baseline);
+// 7. An RGB light from a spectral light: XYZ by the converter's light rows, M, the clamp.
+void BM_RGBLightFromSpectral(benchmark::State& state) {
+    Fixture& f = F();
+    const long long before = MemStats::Get("TArray").blocksTotal;
+    LgtColor<URGB> out{};
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(f.rgb->ConvertColor(f.spectral, f.light, out));
+        benchmark::ClobberMemory();
+    }
+    Finish(state, before);
+}
+
+TVect3<double> ClampedM(const Fixture& f, const TVect3<double>& xyz) {
+    TVect3<double> v;
+    for (int r = 0; r < 3; ++r) {
+        const double x = f.m[r][0] * xyz.x + f.m[r][1] * xyz.y + f.m[r][2] * xyz.z;
+        v[r] = x < 0.0 ? 0.0 : x;
+    }
+    return v;
+}
+
+void BM_RGBLightFromSpectral_Limit(benchmark::State& state) {
+    Fixture& f = F();
+    const double* s = f.light.Values();
+    for (auto _ : state) {
+        TVect3<double> rgb = ClampedM(f, ThreeWeightSum(s, 1, f.xyzW));
+        benchmark::DoNotOptimize(rgb);
+        benchmark::ClobberMemory();
+    }
+}
+
+// 8. An XYZ light from a spectral light: the converter's light rows, the clamp.
+void BM_XYZLightFromSpectral(benchmark::State& state) {
+    Fixture& f = F();
+    const long long before = MemStats::Get("TArray").blocksTotal;
+    LgtColor<URGB> out{};
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(f.xyzModel->ConvertColor(f.spectral, f.light, out));
+        benchmark::ClobberMemory();
+    }
+    Finish(state, before);
+}
+
+void BM_XYZLightFromSpectral_Limit(benchmark::State& state) {
+    Fixture& f = F();
+    const double* s = f.light.Values();
+    for (auto _ : state) {
+        TVect3<double> xyz = ThreeWeightSum(s, 1, f.xyzW);
+        for (int c = 0; c < 3; ++c)
+            xyz[c] = xyz[c] >= 0.0 ? xyz[c] : 0.0;
+        benchmark::DoNotOptimize(xyz);
+        benchmark::ClobberMemory();
+    }
+}
+
+// 9. Resampling the default grid onto 380..780 nm by 10 (a shift of one step, held ends).
+void BM_SpectralLightResampleTo41(benchmark::State& state) {
+    Fixture& f = F();
+    const long long before = MemStats::Get("TArray").blocksTotal;
+    LgtColor<USpec> out;
+    Fixture::Size(out, kW);
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(f.wide10->ConvertColor(f.spectral, f.light, out));
+        benchmark::ClobberMemory();
+    }
+    Finish(state, before);
+}
+
+void Lerp(const double* v, const int* js, const double* us, int n, double* out) {
+    for (int i = 0; i < n; ++i) {
+        const int j = js[i];
+        const double u = us[i];
+        const double x = (1.0 - u) * v[j] + u * v[j + 1];
+        out[i] = x < 0.0 ? 0.0 : x;
+    }
+}
+
+void BM_SpectralLightResampleTo41_Limit(benchmark::State& state) {
+    Fixture& f = F();
+    double out[kW];
+    for (auto _ : state) {
+        Lerp(f.light.Values(), f.lerp10J, f.lerp10U, kW, out);
+        benchmark::DoNotOptimize(out);
+        benchmark::ClobberMemory();
+    }
+}
+
+// 10. LgtEnergy: the trapezoid area.
+void BM_SpectralLgtEnergy(benchmark::State& state) {
+    Fixture& f = F();
+    const long long before = MemStats::Get("TArray").blocksTotal;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(f.spectral->LgtEnergy(f.light));
+        benchmark::ClobberMemory();
+    }
+    Finish(state, before);
+}
+
+double Energy(const double* v, const double* span) {
+    double e = 0.0;
+    for (int k = 0; k < kN; ++k)
+        e += v[k] * span[k] / 2.0;
+    return e;
+}
+
+void BM_SpectralLgtEnergy_Limit(benchmark::State& state) {
+    Fixture& f = F();
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(Energy(f.light.Values(), f.span));
+        benchmark::ClobberMemory();
+    }
+}
+
+// 11. An RGB light from an XYZ light: M and the clamp, behind the interface's virtual calls.
+void BM_RGBLightFromXYZ(benchmark::State& state) {
+    Fixture& f = F();
+    const long long before = MemStats::Get("TArray").blocksTotal;
+    LgtColor<URGB> out{};
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(f.rgb->ConvertColor(f.xyzModel, f.rgbLight, out));
+        benchmark::ClobberMemory();
+    }
+    Finish(state, before);
+}
+
+void BM_RGBLightFromXYZ_Limit(benchmark::State& state) {
+    Fixture& f = F();
+    for (auto _ : state) {
+        TVect3<double> rgb = ClampedM(f, {f.rgbLight[0], f.rgbLight[1], f.rgbLight[2]});
+        benchmark::DoNotOptimize(rgb);
+        benchmark::ClobberMemory();
+    }
+}
+
+// Every library path against its limit kernel on the fixture's colours, double by double, once
+// before any timing: a kernel that does not compute the library's bits measures nothing.
+bool SameBits(const double* a, const double* b, int n, const char* what) {
+    if (std::memcmp(a, b, static_cast<std::size_t>(n) * sizeof(double)) == 0)
+        return true;
+    std::fprintf(stderr, "limit kernel differs from the library: %s\n", what);
+    return false;
+}
+
+void CheckLimitKernels() {
+    Fixture& f = F();
+    bool ok = true;
+    {
+        const TVect3<double> c = Colour(1);
+        f.rgbLight[0] = c.x;
+        f.rgbLight[1] = c.y;
+        f.rgbLight[2] = c.z;
+        f.spectral->ConvertColor(f.rgb, f.rgbLight, f.target);
+        double out[kN];
+        for (int i = 0; i < kN; ++i) {
+            const double v = f.rec[0][i] * c.x + f.rec[1][i] * c.y + f.rec[2][i] * c.z;
+            out[i] = v < 0.0 ? 0.0 : v;
+        }
+        ok &= SameBits(f.target.Values(), out, kN, "spectral light from RGB");
+    }
+    {
+        TVect3<double> rgb;
+        f.spectral->LgtColorToRGB(f.light, rgb, false, false);
+        const TVect3<double> lim = ThreeWeightSum(f.light.Values(), 1, f.rgbDens);
+        ok &= SameBits(&rgb.x, &lim.x, 3, "LgtColorToRGB");
+    }
+    {
+        LgtColor<URGB> out{};
+        f.rgb->ConvertColor(f.spectral, f.light, out);
+        const TVect3<double> lim = ClampedM(f, ThreeWeightSum(f.light.Values(), 1, f.xyzW));
+        ok &= SameBits(&out[0], &lim.x, 3, "RGB light from spectral");
+        f.xyzModel->ConvertColor(f.spectral, f.light, out);
+        const TVect3<double> xyz = ThreeWeightSum(f.light.Values(), 1, f.xyzW);
+        ok &= SameBits(&out[0], &xyz.x, 3, "XYZ light from spectral");
+        f.rgb->ConvertColor(f.xyzModel, f.rgbLight, out);
+        const TVect3<double> m = ClampedM(f, {f.rgbLight[0], f.rgbLight[1], f.rgbLight[2]});
+        ok &= SameBits(&out[0], &m.x, 3, "RGB light from XYZ");
+    }
+    {
+        double out[kW];
+        f.spectral->ConvertColor(f.wide.Get(), f.wideLight, f.target);
+        Lerp(f.wideLight.Values(), f.lerpJ, f.lerpU, kN, out);
+        ok &= SameBits(f.target.Values(), out, kN, "resampling 81 -> 33");
+        LgtColor<USpec> to41;
+        Fixture::Size(to41, kW);
+        f.wide10->ConvertColor(f.spectral, f.light, to41);
+        Lerp(f.light.Values(), f.lerp10J, f.lerp10U, kW, out);
+        ok &= SameBits(to41.Values(), out, kW, "resampling 33 -> 41");
+        to41.Distr().SetLength(0);
+    }
+    {
+        const double e = f.spectral->LgtEnergy(f.light), lim = Energy(f.light.Values(), f.span);
+        ok &= SameBits(&e, &lim, 1, "LgtEnergy");
+        std::memcpy(f.target.Values(), f.start, kN * sizeof(double));
+        f.spectral->DensityToEnergy(f.target);
+        double v[kN];
+        for (int i = 0; i < kN; ++i)
+            v[i] = f.start[i] * f.w[i];
+        ok &= SameBits(f.target.Values(), v, kN, "DensityToEnergy");
+    }
+    if (!ok)
+        std::abort();
+}
+
+const int kChecked = (CheckLimitKernels(), 0);
+
+BENCHMARK(BM_RGBLightFromSpectral)->ThreadRange(1, 2)->UseRealTime();
+BENCHMARK(BM_RGBLightFromSpectral_Limit);
+BENCHMARK(BM_XYZLightFromSpectral)->ThreadRange(1, 2)->UseRealTime();
+BENCHMARK(BM_XYZLightFromSpectral_Limit);
+BENCHMARK(BM_SpectralLightResampleTo41)->ThreadRange(1, 2)->UseRealTime();
+BENCHMARK(BM_SpectralLightResampleTo41_Limit);
+BENCHMARK(BM_SpectralLgtEnergy)->ThreadRange(1, 2)->UseRealTime();
+BENCHMARK(BM_SpectralLgtEnergy_Limit);
+BENCHMARK(BM_RGBLightFromXYZ)->ThreadRange(1, 2)->UseRealTime();
+BENCHMARK(BM_RGBLightFromXYZ_Limit);
+
+BENCHMARK(BM_SpectralLightFromRGB)->ThreadRange(1, 2)->UseRealTime();
+BENCHMARK(BM_SpectralLightFromRGB_Limit);
+BENCHMARK(BM_SpectralLgtColorToRGB)->ThreadRange(1, 2)->UseRealTime();
+BENCHMARK(BM_SpectralLgtColorToRGB_Limit);
+BENCHMARK(BM_SpectralLightResample)->ThreadRange(1, 2)->UseRealTime();
+BENCHMARK(BM_SpectralLightResample_Limit);
+BENCHMARK(BM_SpectralDensityToEnergy)->ThreadRange(1, 2)->UseRealTime();
+BENCHMARK(BM_SpectralDensityToEnergy_Limit);
 BENCHMARK(BM_SpectralAddScaledLgt);
-BENCHMARK(BM_SpectralAddScaledLgt_Baseline);
+BENCHMARK(BM_SpectralAddScaledLgt_Limit);
 BENCHMARK(BM_RGBRayFromSpectral);
-BENCHMARK(BM_RGBRayFromSpectral_Baseline);
+BENCHMARK(BM_RGBRayFromSpectral_Limit);
 BENCHMARK(BM_StokesDensityToEnergy);
-BENCHMARK(BM_StokesDensityToEnergy_Baseline);
+BENCHMARK(BM_StokesDensityToEnergy_Limit);
 
 } // namespace
 } // namespace Korvane

@@ -3,59 +3,150 @@
 #include <atomic>
 #include <cstring>
 #include <mutex>
+#include <new>
+#include <string>
 
 namespace Korvane {
 namespace {
 
-// Counters of one tag. Allocation reports come from every container on every thread, so they
-// are lock-free: a tag's slot is found by a scan of the published slots (tags are few) and its
-// counters are atomics. Only adding a new tag takes the lock.
-struct TagSlot {
-    std::string name; // written once, before the slot is published
-    std::atomic<long long> bytesOutstanding{0};
-    std::atomic<long long> blocksOutstanding{0};
-    std::atomic<long long> bytesTotal{0};
-    std::atomic<long long> blocksTotal{0};
-    std::atomic<long long> failed{0};
-};
+// Counters are kept per thread and summed when read, so that threads allocating at once write
+// nothing in common: each thread owns a block of counters (one row per tag) that only it writes
+// (relaxed atomic stores of its own load plus the change: no read-modify-write, no shared cache
+// line). Readers take the registry's lock and add up the blocks of live threads and the totals
+// left by threads that ended. A tag's row is found by a scan of the published tag names (tags are
+// few), after a check of the tag pointer used last by the thread; only a new tag takes the lock.
+// ResetTotals records the current sums as a baseline that reads subtract, so that it writes into
+// no thread's block.
 
 // Tags beyond this many share the last slot, named "(other tags)".
 constexpr int kMaxTags = 32;
+constexpr int kFields = 5; // bytes and blocks outstanding, bytes and blocks total, failures
+
+struct Counts {
+    long long v[kFields] = {0, 0, 0, 0, 0};
+};
+
+struct alignas(64) ThreadBlock {
+    std::atomic<long long> v[kMaxTags][kFields] = {};
+    ThreadBlock* next = nullptr;
+    ThreadBlock* prev = nullptr;
+};
 
 struct StatState {
-    TagSlot slots[kMaxTags];
+    std::string names[kMaxTags]; // written once, before the name is published
     std::atomic<int> published{0};
-    std::mutex adding;
+    std::mutex lock;               // guards the list of blocks, retired and baseline
+    ThreadBlock* blocks = nullptr; // the blocks of live threads
+    Counts retired[kMaxTags];      // what threads that ended left
+    Counts baseline[kMaxTags];     // totals at the last ResetTotals
+    ThreadBlock shared;            // for a thread whose block could not be allocated
 };
 
 StatState& State() {
-    static StatState st;
-    return st;
+    static StatState* st = new StatState; // never destroyed: threads may report at exit
+    return *st;
 }
 
-TagSlot* Find(StatState& st, const char* tag, int published) {
+int Find(StatState& st, const char* tag, int published) {
     for (int i = 0; i < published; ++i)
-        if (std::strcmp(st.slots[i].name.c_str(), tag) == 0)
-            return &st.slots[i];
-    return nullptr;
+        if (std::strcmp(st.names[i].c_str(), tag) == 0)
+            return i;
+    return -1;
 }
 
-TagSlot& Slot(const char* tag) {
+int TagIndex(const char* tag) {
+    thread_local const char* lastTag = nullptr;
+    thread_local int lastIndex = -1;
     StatState& st = State();
+    if (tag && tag == lastTag && std::strcmp(st.names[lastIndex].c_str(), tag) == 0)
+        return lastIndex;
     const char* name = tag ? tag : "";
-    if (TagSlot* s = Find(st, name, st.published.load(std::memory_order_acquire)))
-        return *s;
-    std::lock_guard<std::mutex> lock(st.adding);
-    const int n = st.published.load(std::memory_order_relaxed);
-    if (TagSlot* s = Find(st, name, n))
-        return *s;
-    if (n == kMaxTags)
-        return st.slots[kMaxTags - 1];
-    TagSlot& s = st.slots[n];
-    s.name = n == kMaxTags - 1 ? "(other tags)" : name;
-    st.published.store(n + 1, std::memory_order_release);
-    return s;
+    int i = Find(st, name, st.published.load(std::memory_order_acquire));
+    if (i < 0) {
+        std::lock_guard<std::mutex> guard(st.lock);
+        const int n = st.published.load(std::memory_order_relaxed);
+        i = Find(st, name, n);
+        if (i < 0 && n == kMaxTags) {
+            i = kMaxTags - 1;
+        } else if (i < 0) {
+            st.names[n] = n == kMaxTags - 1 ? "(other tags)" : name;
+            st.published.store(n + 1, std::memory_order_release);
+            i = n;
+        }
+    }
+    lastTag = tag;
+    lastIndex = i;
+    return i;
 }
+
+// The calling thread's block, registered on first use and folded into the retired totals when the
+// thread ends. The pointer and the flag are plain thread-local values (no destructor of their
+// own), so that reports made after the thread's thread-local objects were destroyed (objects
+// released by static destructors on the main thread) still find them, and go to the shared
+// block.
+thread_local ThreadBlock* tBlock = nullptr;
+thread_local bool tRetired = false;
+
+struct BlockRetirer {
+    ~BlockRetirer() {
+        ThreadBlock* block = tBlock;
+        tBlock = nullptr;
+        tRetired = true;
+        if (!block)
+            return;
+        StatState& st = State();
+        std::lock_guard<std::mutex> guard(st.lock);
+        for (int t = 0; t < kMaxTags; ++t)
+            for (int f = 0; f < kFields; ++f)
+                st.retired[t].v[f] += block->v[t][f].load(std::memory_order_relaxed);
+        (block->prev ? block->prev->next : st.blocks) = block->next;
+        if (block->next)
+            block->next->prev = block->prev;
+        delete block;
+    }
+};
+
+ThreadBlock* Register() {
+    thread_local BlockRetirer retirer; // constructed here, destroyed when the thread ends
+    (void)retirer;
+    auto* block = new (std::nothrow) ThreadBlock;
+    if (!block) {
+        tRetired = true; // the shared block from now on
+        return nullptr;
+    }
+    StatState& st = State();
+    std::lock_guard<std::mutex> guard(st.lock);
+    block->next = st.blocks;
+    if (st.blocks)
+        st.blocks->prev = block;
+    st.blocks = block;
+    return block;
+}
+
+// Adds `delta` to field f of tag t for this thread.
+void Add(int t, int f, long long delta) {
+    if (!tBlock && !tRetired)
+        tBlock = Register();
+    if (!tBlock) { // no block of its own (none left, or none could be made): the shared one
+        State().shared.v[t][f].fetch_add(delta, std::memory_order_relaxed);
+        return;
+    }
+    std::atomic<long long>& c = tBlock->v[t][f];
+    c.store(c.load(std::memory_order_relaxed) + delta, std::memory_order_relaxed);
+}
+
+// The sums of tag t over every block, the retired totals, less the baseline of the totals.
+Counts Sum(StatState& st, int t) {
+    Counts r = st.retired[t];
+    for (int f = 0; f < kFields; ++f)
+        r.v[f] += st.shared.v[t][f].load(std::memory_order_relaxed);
+    for (const ThreadBlock* b = st.blocks; b; b = b->next)
+        for (int f = 0; f < kFields; ++f)
+            r.v[f] += b->v[t][f].load(std::memory_order_relaxed);
+    return r;
+}
+
+enum Field { kBytesOut, kBlocksOut, kBytesTotal, kBlocksTotal, kFailed };
 
 } // namespace
 
@@ -63,45 +154,48 @@ IArray::IArray() = default;
 IArray::~IArray() = default;
 
 void IArray::AddMemStat(std::size_t bytes, void* p, const char* tag) {
-    TagSlot& c = Slot(tag);
+    const int t = TagIndex(tag);
     if (!p) {
-        c.failed.fetch_add(1, std::memory_order_relaxed);
+        Add(t, kFailed, 1);
         return;
     }
     const auto b = static_cast<long long>(bytes);
-    c.bytesOutstanding.fetch_add(b, std::memory_order_relaxed);
-    c.blocksOutstanding.fetch_add(1, std::memory_order_relaxed);
-    c.bytesTotal.fetch_add(b, std::memory_order_relaxed);
-    c.blocksTotal.fetch_add(1, std::memory_order_relaxed);
+    Add(t, kBytesOut, b);
+    Add(t, kBlocksOut, 1);
+    Add(t, kBytesTotal, b);
+    Add(t, kBlocksTotal, 1);
 }
 
 void IArray::DelMemStat(std::size_t bytes, void* p, const char* tag) {
     if (!p)
         return;
-    TagSlot& c = Slot(tag);
-    c.bytesOutstanding.fetch_sub(static_cast<long long>(bytes), std::memory_order_relaxed);
-    c.blocksOutstanding.fetch_sub(1, std::memory_order_relaxed);
+    const int t = TagIndex(tag);
+    Add(t, kBytesOut, -static_cast<long long>(bytes));
+    Add(t, kBlocksOut, -1);
 }
 
 namespace MemStats {
 MemStatCounts Get(const char* tag) {
     StatState& st = State();
-    const TagSlot* c = Find(st, tag ? tag : "", st.published.load(std::memory_order_acquire));
-    if (!c)
+    const int t = Find(st, tag ? tag : "", st.published.load(std::memory_order_acquire));
+    if (t < 0)
         return MemStatCounts{};
+    std::lock_guard<std::mutex> guard(st.lock);
+    const Counts c = Sum(st, t);
+    const Counts& base = st.baseline[t];
     MemStatCounts r;
-    r.bytesOutstanding = c->bytesOutstanding.load();
-    r.blocksOutstanding = c->blocksOutstanding.load();
-    r.bytesTotal = c->bytesTotal.load();
-    r.blocksTotal = c->blocksTotal.load();
-    r.failed = c->failed.load();
+    r.bytesOutstanding = c.v[kBytesOut];
+    r.blocksOutstanding = c.v[kBlocksOut];
+    r.bytesTotal = c.v[kBytesTotal] - base.v[kBytesTotal];
+    r.blocksTotal = c.v[kBlocksTotal] - base.v[kBlocksTotal];
+    r.failed = c.v[kFailed] - base.v[kFailed];
     return r;
 }
 void ResetTotals(const char* tag) {
-    TagSlot& c = Slot(tag);
-    c.bytesTotal.store(0);
-    c.blocksTotal.store(0);
-    c.failed.store(0);
+    const int t = TagIndex(tag);
+    StatState& st = State();
+    std::lock_guard<std::mutex> guard(st.lock);
+    st.baseline[t] = Sum(st, t);
 }
 } // namespace MemStats
 

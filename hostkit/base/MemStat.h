@@ -2,8 +2,9 @@
 //
 // A container reports each block it allocates (AddMemStat) and releases (DelMemStat) under a
 // tag. A report with a null block is a failed allocation: it counts as an attempt that failed
-// and adds nothing outstanding. Reports are lock-free (containers allocate on every thread); up
-// to 31 tags are kept apart, further ones share one slot named "(other tags)".
+// and adds nothing outstanding. Reports take no lock and write nothing that another thread writes
+// (containers allocate on every thread, per ray): counters are kept per thread and summed when
+// read. Up to 31 tags are kept apart, further ones share one slot named "(other tags)".
 #pragma once
 
 #include "hostkit/HostExport.h"

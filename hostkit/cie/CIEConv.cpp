@@ -12,6 +12,7 @@ namespace Korvane {
 namespace {
 
 std::atomic<const CIEConv*> gCurrent{nullptr};
+std::atomic<std::uint64_t> gSerial{0};
 
 const Cie::RGBSpaceMatrices& SRGB() {
     static const Cie::RGBSpaceMatrices space = [] {
@@ -48,7 +49,8 @@ double TrapezoidWeight(const double* w, int n, int i) {
 // -- state ----------------------------------------------------------------------------------------
 
 CIEConv::Impl::Impl(Observer obs)
-    : observer(obs), cmf(Cie::Cmf(obs)), xyz2rgb(SRGB().xyz2rgb),
+    : serial(gSerial.fetch_add(1, std::memory_order_relaxed) + 1), observer(obs),
+      cmf(Cie::Cmf(obs)), xyz2rgb(SRGB().xyz2rgb),
       rgb2xyz(SRGB().rgb2xyz), luminance{SRGB().rgb2xyz.m[1][0], SRGB().rgb2xyz.m[1][1],
                                          SRGB().rgb2xyz.m[1][2]},
       locus(cmf), grids(cmf, xyz2rgb) {
@@ -120,6 +122,21 @@ int CIEConv::Impl::Reconstruct(const TVect3<double>& rgb, const TArray<double>& 
     return status;
 }
 
+int CIEConv::Impl::Reconstruct(const TVect3<double>& rgb, const CIEGrid& grid,
+                               const TArray<double>& waves, double* out, int n,
+                               bool reflectance) const {
+    const auto* t = static_cast<const Cie::GridTables*>(grid.Tables());
+    if (grid.Owner() != serial || !t || t->n != n || !out)
+        return Reconstruct(rgb, waves, out, n, reflectance);
+    if (!(reflectance ? t->reflectanceInvertible : t->lightInvertible)) {
+        for (int i = 0; i < n; ++i)
+            out[i] = 0.0;
+        return -1;
+    }
+    Cie::Reconstruct(reflectance ? t->reconReflectance : t->reconLight, n, rgb, out);
+    return 0;
+}
+
 int CIEConv::Impl::ReconstructInto(const TVect3<double>& rgb, const TArray<double>& waves,
                                    TArray<double>& out, bool reflectance) const {
     if (out.Alloc(waves.Count()) != 0)
@@ -147,6 +164,15 @@ Observer CIEConv::GetObserver() const {
 }
 int CIEConv::CachedGrids() const {
     return impl_->grids.Count();
+}
+std::size_t CIEConv::CachedGridBytes() const {
+    return impl_->grids.Bytes();
+}
+CIEGrid CIEConv::ResolveGrid(const TArray<double>& waves) const {
+    if (waves.Count() == 0)
+        return {};
+    Cie::GridStatus status;
+    return {impl_->serial, impl_->grids.Resolve(waves.Data(), waves.Count(), status)};
 }
 
 const CIEConv* CIEConv::Current() {

@@ -12,8 +12,9 @@
 // converter when none is set), so every caller integrates against one observer.
 //
 // What depends only on the grid (integration weights, reconstruction matrices) is computed the
-// first time a converter sees a grid and kept for the converter's life, immutable, so several
-// threads may convert with one converter at once. Operations return 0, -1 for an empty grid,
+// first time a converter sees a grid and kept for the converter's life (up to a bound in grids and
+// bytes), immutable, so several threads may convert with one converter at once; a caller may also
+// resolve its grid once and keep the tables (CIEGrid). Operations return 0, -1 for an empty grid,
 // lengths that do not match, or wavelengths that are not finite and strictly increasing, or the
 // code of ErrorNoMemory when the tables of a new grid cannot be allocated.
 #pragma once
@@ -24,9 +25,36 @@
 #include "hostkit/base/containers/TArray.h"
 #include "hostkit/plugsys/PlugRef.h"
 
+#include <cstdint>
+#include <memory>
+
 namespace Korvane {
 
 enum class Observer { CIE1931_2deg, CIE1964_10deg };
+
+// The tables of one wavelength grid, resolved once by a converter (CIEConv::ResolveGrid) and kept
+// by a caller that converts on that grid again and again: the forms of the conversions that take
+// it skip the lookup of the grid (no comparison of wavelengths, no lock). It shares the tables,
+// so it stays usable after the converter's cache has moved on; it names the converter that
+// resolved it, and any other converter handed it looks the grid up as usual. Immutable: copies
+// may be read by any number of threads.
+class KOR_HOST_API CIEGrid {
+public:
+    CIEGrid() = default;
+    // Whether it holds tables (a valid grid whose tables could be built).
+    explicit operator bool() const { return tables_ != nullptr; }
+
+    // For the converter: its tables (opaque here) and the serial number of the converter that
+    // resolved them.
+    CIEGrid(std::uint64_t owner, std::shared_ptr<const void> tables)
+        : owner_(owner), tables_(std::move(tables)) {}
+    std::uint64_t Owner() const { return owner_; }
+    const void* Tables() const { return tables_.get(); }
+
+private:
+    std::uint64_t owner_ = 0;
+    std::shared_ptr<const void> tables_;
+};
 
 class KOR_HOST_API CIEConv : public Plug {
 public:
@@ -41,8 +69,14 @@ public:
     // (kR, kG, kB): the middle row of N; Y = kR R + kG G + kB B.
     const TVect3<double>& LuminanceCoefs() const;
     Observer GetObserver() const;
-    // Number of wavelength grids whose tables this converter keeps (see the note above).
+    // Number of wavelength grids whose tables this converter keeps (see the note above), and the
+    // bytes of those tables; both are bounded (hostkit/cie/GridCache.h: 16 grids, 8 MiB).
     int CachedGrids() const;
+    std::size_t CachedGridBytes() const;
+    // The tables of `waves`, for the forms of the conversions that take a CIEGrid. Empty when the
+    // grid is empty or invalid or memory runs out (nothing is reported; those forms then behave
+    // as the ones that take the wavelengths).
+    CIEGrid ResolveGrid(const TArray<double>& waves) const;
 
     // Light: X = integral s(l) xbar(l) dl, likewise Y, Z (luminance is 683 Y). 0, or non-zero for
     // an empty grid or mismatched lengths (xyz set to 0).

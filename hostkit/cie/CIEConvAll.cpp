@@ -69,6 +69,16 @@ int CIEConvAll::RGB2SpectrumAttr(const TVect3<double>& rgb, const TArray<double>
     return impl_->Reconstruct(rgb, waves, out, n, true);
 }
 
+int CIEConvAll::RGB2Spectrum(const TVect3<double>& rgb, const CIEGrid& grid,
+                             const TArray<double>& waves, double* out, int n) const {
+    return impl_->Reconstruct(rgb, grid, waves, out, n, false);
+}
+
+int CIEConvAll::RGB2SpectrumAttr(const TVect3<double>& rgb, const CIEGrid& grid,
+                                 const TArray<double>& waves, double* out, int n) const {
+    return impl_->Reconstruct(rgb, grid, waves, out, n, true);
+}
+
 int CIEConvAll::RGB2SpectrumAttr(const TVect3<double>& rgb, const TArray<double>& waves,
                                  TArray<double>& out) const {
     return impl_->ReconstructInto(rgb, waves, out, true);

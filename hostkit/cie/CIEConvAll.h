@@ -40,6 +40,13 @@ public:
                      BArray<double>& out) const;
     int RGB2SpectrumAttr(const TVect3<double>& rgb, const TArray<double>& waves, double* out,
                          int n) const;
+    // The same two, with the tables of `waves` resolved beforehand (CIEConv::ResolveGrid): when
+    // `grid` was resolved by this converter for n points, the lookup of the grid is skipped;
+    // otherwise these are the forms above. The values are the same bits either way.
+    int RGB2Spectrum(const TVect3<double>& rgb, const CIEGrid& grid, const TArray<double>& waves,
+                     double* out, int n) const;
+    int RGB2SpectrumAttr(const TVect3<double>& rgb, const CIEGrid& grid,
+                         const TArray<double>& waves, double* out, int n) const;
     int RGB2SpectrumAttr(const TVect3<double>& rgb, const TArray<double>& waves,
                          TArray<double>& out) const;
     int XYZ2Spectrum(const TVect3<double>& xyz, const TArray<double>& waves,

@@ -32,10 +32,14 @@ struct KOR_CIE_INTERNAL CIEConv::Impl {
     // Samples of the reconstructed reflectance (or light) of rgb on the grid; zeros on failure.
     int Reconstruct(const TVect3<double>& rgb, const TArray<double>& waves, double* out, int n,
                     bool reflectance) const;
+    // The same with tables resolved beforehand, when `grid` is this converter's and of n points.
+    int Reconstruct(const TVect3<double>& rgb, const CIEGrid& grid, const TArray<double>& waves,
+                    double* out, int n, bool reflectance) const;
     // The same into `out`, first sized to the grid (ErrorNoMemory's code when that fails).
     int ReconstructInto(const TVect3<double>& rgb, const TArray<double>& waves, TArray<double>& out,
                         bool reflectance) const;
 
+    std::uint64_t serial; // distinct for every converter of the process, never 0
     Observer observer;
     const Cie::CmfTable& cmf;
     TMatrix3 xyz2rgb{};

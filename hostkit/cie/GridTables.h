@@ -44,7 +44,6 @@ struct GridTables {
     bool reflectanceInvertible = false;
     bool lightInvertible = false;
     std::unique_ptr<double[]> storage;
-    GridTables* next = nullptr; // the converter's list of cached grids
 };
 
 enum class GridStatus { Ok, BadGrid, NoMemory };

@@ -104,6 +104,18 @@ bool FromPolarizedSpectrum(const ColorModel* src, const D& d, Dst& to, ToRGB toR
                           });
 }
 
+// The samples of an unpolarized spectral light colour that can be read in place: those of a
+// colour with exactly the source's NWaves samples and a band over all of them (what LgtToArray
+// would copy, bit for bit); null otherwise (the copying path decides).
+template <class I>
+const double* WholeLight(const ColorModel* src, const I& from) {
+    const auto& d = Value<SpectralModel<Unpolarized>>(from).Distr();
+    const int n = src->NWaves();
+    if (n < 1 || d.Count() != n || d.First() > 0 || d.Last() < n - 1)
+        return nullptr;
+    return d.Values();
+}
+
 // The failure report of a spectral path: the same text as format and message.
 inline int ConversionFailure(const char* text) {
     return User()->ErrorMessageEx(text, text);
@@ -230,6 +242,10 @@ int RGBModel<Pol>::ConvertColor(const ColorModel* src, const ILgtColor& from, IL
             const auto& d = Value<SpectralModel<StokesPolarization>>(from).Distr();
             if (!FromPolarizedSpectrum(src, d, out, LightRGB))
                 return ConversionFailure(kFailure);
+        } else if (const double* inPlace = WholeLight(src, from)) {
+            // Read where it is: no scratch array when nothing would be copied.
+            const BArray<double> spectrum(const_cast<double*>(inPlace), src->NWaves());
+            RGBOps::SetIntensities(out, SpectrumRGB(src->GetWaveLengths(), spectrum));
         } else {
             TArray<double> spectrum(10);
             const auto read = [](const ColorModel& m, const ILgtColor& c, double* values) {

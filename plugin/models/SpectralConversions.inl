@@ -125,26 +125,24 @@ Band BandOf(const SpctrlColourDistr<Comp>& d) {
 }
 
 // Resamples distribution `from` over grid `s` onto distribution `to` over grid `t`, component
-// layouts as SpectrumLayout carries them, through the plans kept for `t`. 0 or -1.
+// layouts as SpectrumLayout carries them. 0 or -1.
 template <class From, class To>
-int ResampleDistr(ResamplePlanCache& plans, const MArray<double>& s, const From& from,
-                  const MArray<double>& t, To& to) {
+int ResampleDistr(const MArray<double>& s, const From& from, const MArray<double>& t, To& to) {
     const Band band = BandOf(from);
     SpectrumLayout<From::Component::kSize, To::Component::kSize> layout(
         from.Values(), from.Count(), band.first, band.last, to.Values(), to.Count());
-    return plans.Resample(s, t, layout);
+    return ResampleSpectrum(s, t, layout);
 }
 
 // The same for colour `from` (light or surface) of the spectral model `src`, of either
 // polarization, over that model's grid.
 template <class I, class To>
-int ResampleFrom(ResamplePlanCache& plans, const ColorModel& src, const I& from,
-                 const MArray<double>& t, To& to) {
+int ResampleFrom(const ColorModel& src, const I& from, const MArray<double>& t, To& to) {
     if (src.HasPolarization())
-        return ResampleDistr(plans, src.GetWaveLengths(),
+        return ResampleDistr(src.GetWaveLengths(),
                              ColourAccess::Value<SpectralModel<StokesPolarization>>(from).Distr(),
                              t, to);
-    return ResampleDistr(plans, src.GetWaveLengths(),
+    return ResampleDistr(src.GetWaveLengths(),
                          ColourAccess::Value<SpectralModel<Unpolarized>>(from).Distr(), t, to);
 }
 
@@ -164,23 +162,22 @@ public:
         return 0;
     }
     TArray<double>& Array() { return a_; }
-    // One value per wavelength over `waves` into the array by the current CIEConvAll: 0, or
-    // non-zero when it refuses or none is set.
-    int Reconstruct(Reconstruction r, const TVect3<double>& v, const MArray<double>& waves) {
+    // One value per wavelength over `waves` (whose converter tables are `grid`) into the array by
+    // the current CIEConvAll: 0, or non-zero when it refuses or none is set. The array holds at
+    // least the grid's length already (Reserve), so nothing is allocated here; an XYZ is
+    // reconstructed as M xyz, which is what the converter's XYZ reconstruction does.
+    int Reconstruct(Reconstruction r, TVect3<double> v, const CIEGrid& grid,
+                    const MArray<double>& waves) {
         const CIEConvAll* conv = ColorModel::GetCIEConvAll();
         if (!conv)
             return -1;
-        switch (r) {
-        case Reconstruction::RGBLight:
-            return conv->RGB2Spectrum(v, waves, a_);
-        case Reconstruction::RGBReflectance:
-            return conv->RGB2SpectrumAttr(v, waves, a_);
-        case Reconstruction::XYZLight:
-            return conv->XYZ2Spectrum(v, waves, a_);
-        case Reconstruction::XYZReflectance:
-            return conv->XYZ2SpectrumAttr(v, waves, a_);
-        }
-        return -1;
+        if (a_.Alloc(waves.Count()) != 0)
+            return User()->ErrorNoMemory(-1);
+        if (r == Reconstruction::XYZLight || r == Reconstruction::XYZReflectance)
+            v = conv->XYZ2RGB() * v;
+        if (r == Reconstruction::RGBLight || r == Reconstruction::XYZLight)
+            return conv->RGB2Spectrum(v, grid, waves, a_.Data(), a_.Count());
+        return conv->RGB2SpectrumAttr(v, grid, waves, a_.Data(), a_.Count());
     }
     // The first n values as components of `size` doubles (SpreadIntensities); components past n
     // are 0. Stays within the reserved storage.
@@ -208,7 +205,7 @@ int ReconstructFor(const SpectralModel<Pol>& model, Scratch& scratch, Reconstruc
     const int n = model.NWaves();
     if (const int status = scratch.Reserve(n, count, size))
         return status;
-    if (scratch.Reconstruct(r, v, model.GetWaveLengths()) != 0)
+    if (scratch.Reconstruct(r, v, model.GridTables(), model.GetWaveLengths()) != 0)
         return Fail<Pol>(failure);
     if (scale)
         for (int k = 0; k < n; ++k)
@@ -229,7 +226,8 @@ int ReconstructLightInPlace(const SpectralModel<Pol>& model, TVect3<double> v, b
         return Fail<Pol>(failure);
     if (xyz)
         v = conv->XYZ2RGB() * v;
-    if (conv->RGB2Spectrum(v, model.GetWaveLengths(), target.Values(), target.Count()) != 0)
+    if (conv->RGB2Spectrum(v, model.GridTables(), model.GetWaveLengths(), target.Values(),
+                           target.Count()) != 0)
         return Fail<Pol>(failure);
     return 0;
 }
@@ -301,7 +299,7 @@ int SpectralModel<Pol>::ConvertColor(const ColorModel* src, const ILgtColor& fro
                                     kind == Source::XYY ? ColourMath::XYYToXYZ(v) : v,
                                     target.Count(), Comp::kSize, kXYZFailed);
     } else if (kind == Source::Spectral) {
-        if (ResampleFrom(plans_, *src, from, GetWaveLengths(), target) != 0)
+        if (ResampleFrom(*src, from, GetWaveLengths(), target) != 0)
             return Fail<Pol>(kLightResampleFailed);
         ClampLgtColor(to);
         return 0;
@@ -350,7 +348,7 @@ int SpectralModel<Pol>::ConvertColor(const ColorModel* src, const ISurfColor& fr
                                     target.Count(), Comp::kSize, kXYZFailed);
         }
     } else if (kind == Source::Spectral) {
-        if (ResampleFrom(plans_, *src, from, GetWaveLengths(), target) != 0)
+        if (ResampleFrom(*src, from, GetWaveLengths(), target) != 0)
             return Fail<Pol>(kSurfaceResampleFailed);
         return 0;
     } else {
@@ -439,7 +437,7 @@ void SpectralModel<Pol>::RGBConvertToRayColor(const TVect3<double>& rgb, IRayCol
     // Reconstructed straight into the colour's storage (its first count doubles), then laid out
     // as components; a refusal leaves zeros.
     const CIEConvAll* conv = GetCIEConvAll();
-    if (conv && conv->RGB2Spectrum(rgb, GetWaveLengths(), d.Values(), count) == 0)
+    if (conv && conv->RGB2Spectrum(rgb, cieGrid_, GetWaveLengths(), d.Values(), count) == 0)
         SpreadIntensities(d.Values(), count, size);
     else
         ZeroStored(d);
@@ -472,7 +470,7 @@ void SpectralModel<Pol>::RGBConvertToSurfaceColor(const TVect3<double>& rgb, ISu
     // No scaling by the largest magnitude here, unlike the surface ConvertColor.
     auto& d = ColourAccess::Value<SpectralModel>(to).Distr();
     const CIEConvAll* conv = GetCIEConvAll();
-    if (conv && conv->RGB2SpectrumAttr(rgb, GetWaveLengths(), d.Values(), d.Count()) == 0)
+    if (conv && conv->RGB2SpectrumAttr(rgb, cieGrid_, GetWaveLengths(), d.Values(), d.Count()) == 0)
         SpreadIntensities(d.Values(), d.Count(), Pol::SurfComp::kSize);
     else
         ZeroStored(d);

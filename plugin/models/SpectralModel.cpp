@@ -38,7 +38,7 @@ SpectralModel<Pol>::SpectralModel() {
 
 template <class Pol>
 SpectralModel<Pol>::SpectralModel(const SpectralModel& other)
-    : BSpectralModel(other), conv_(other.conv_) {}
+    : BSpectralModel(other), conv_(other.conv_), cieGrid_(other.cieGrid_) {}
 
 template <class Pol>
 SpectralModel<Pol>::~SpectralModel() = default;
@@ -116,7 +116,7 @@ template <class Pol>
 int SpectralModel<Pol>::SetWaveLengths(const MArray<double>& waves) {
     if (waves.IsEqual(GetWaveLengths()) && conv_ && conv_->Wavelengths().IsEqual(waves))
         return 0;
-    plans_.Clear();
+    cieGrid_ = CIEGrid();
     const int status = BSpectralModel::SetWaveLengths(waves);
     if (status != 0)
         return status;
@@ -126,7 +126,7 @@ int SpectralModel<Pol>::SetWaveLengths(const MArray<double>& waves) {
 template <class Pol>
 void SpectralModel<Pol>::OnLoad(int version) {
     BSpectralModel::OnLoad(version);
-    plans_.Clear();
+    cieGrid_ = CIEGrid();
     if (NWaves() == 0)
         conv_ = nullptr;
     else
@@ -136,6 +136,7 @@ void SpectralModel<Pol>::OnLoad(int version) {
 template <class Pol>
 int SpectralModel<Pol>::RenewConverter(const CIEConv* conv) {
     conv_ = new MassColConv(GetWaveLengths(), conv);
+    cieGrid_ = conv ? conv->ResolveGrid(GetWaveLengths()) : CIEGrid();
     if (!conv_)
         return User()->ErrorNoMemory(-1);
     conv_->PrepareForLight(); // a failure is not reported: conversions prepare again

@@ -6,11 +6,11 @@
 // Each model owns its grid and a mass colour converter (MassColConv) over that grid, renewed
 // whenever the grid is set or loaded or the host's CIE converter changes.
 //
-// Spectral sources are resampled onto the grid through plans cached in the model, one per source
-// grid (ResamplePlanCache): the interval search and the division per interval are done once per
-// source grid rather than once per conversion, and the values are the same bits. Several threads
-// may convert with one model at once; the plans are dropped whenever the grid is set or loaded
-// (which must not overlap a conversion), and a copy of the model starts without plans.
+// Conversions keep nothing: spectral sources are resampled onto the grid by a walk over the two
+// grids in the call (Resample.h), so several threads may convert with one model at once. The
+// host converter's tables of the grid are resolved once, when the converter is renewed (CIEGrid),
+// so that reconstructions onto the grid neither compare the grid nor lock; a reconstruction by
+// another converter than the one they came from looks the grid up as usual.
 #pragma once
 
 #include "plugin/PluginExport.h"
@@ -18,7 +18,6 @@
 #include "plugin/masscolconv/MassColConv.h"
 #include "plugin/models/ModelsFwd.h"
 #include "plugin/spectral/BSpectralModel.h"
-#include "plugin/spectral/ResamplePlan.h"
 
 namespace Korvane {
 
@@ -150,11 +149,12 @@ public:
     Holder<IDualLgtColor>* NewDualLgtColorHold() const override;
 
     // -- added by the spectral model ---------------------------------------------------------
+    // The host converter's tables of the grid, resolved when the converter was renewed (empty
+    // when that failed); the reconstructions pass them to the converter.
+    const CIEGrid& GridTables() const { return cieGrid_; }
     // RGB of one value per wavelength through the converter's plain light tables. Always 0.
     virtual int SpectrumToRGB(const double* values, TVect3<double>& rgb, bool normalize,
                               bool clampNegative) const;
-    // The resampling plans kept for the source grids met so far (onto this model's grid).
-    const ResamplePlanCache& ResamplePlans() const { return plans_; }
 
 protected:
     // Nothing to do (0) when `waves` is the current grid and the converter is over it too.
@@ -172,7 +172,7 @@ private:
     void SetNameFromType();
 
     TPlugRef<MassColConv> conv_;
-    mutable ResamplePlanCache plans_; // not copied: a copy builds its own
+    CIEGrid cieGrid_; // the grid's tables from the converter of conv_; shared by copies
 };
 
 extern template class SpectralModel<Unpolarized>;

@@ -6,16 +6,20 @@
 //   target(t) = v[0] for t <= s[0],  v[m-1] for t >= s[m-1]
 //
 // Two forms. ResampleSpectrum walks the target grid once, keeps the current source interval and
-// its reciprocal width, and searches (by bisection) only when a target wavelength passes the
-// interval's right end; equal grids are copied bit for bit. It reads and writes colour
-// components through a layout (SpectrumLayout), so the one walk serves plain values, Stokes
-// vectors and Mueller matrices. ResampleValues is the plain-array form: one bisection per target
-// wavelength and a division per value; it gives the same values up to the rounding of
-// u (a multiplication by the reciprocal width against a division).
+// its reciprocal width, and finds a new interval (a guess that grids which line up confirm, else a
+// few steps, else bisection) only when a target wavelength passes the interval's right end; equal
+// grids are copied bit for bit. Whatever way an interval is found, it is the one bisection
+// finds, so every value is (1 - u) v[j] + u v[j+1] with u = (t - s[j]) * (1 / (s[j+1] - s[j])). It
+// reads and writes colour components through a layout (SpectrumLayout), so the one walk serves
+// plain values, Stokes vectors and Mueller matrices. ResampleValues is the plain-array form: one
+// bisection per target wavelength and a division per value; it gives the same values up to the
+// rounding of u (a multiplication by the reciprocal width against a division).
 #pragma once
 
 #include "hostkit/base/containers/TArray.h"
 #include "plugin/PluginExport.h"
+
+#include <limits>
 
 namespace Korvane {
 
@@ -39,8 +43,9 @@ inline int CountNotAbove(const TArray<double>& s, double w) {
 // vector, element (0,0) of a Mueller matrix) and the other doubles of a target component become
 // 0. Source components outside the band [first, last] read as zero, as a banded light
 // distribution does; pass [0, count - 1] for a source without a band. The target is written
-// directly, index 0 to its count - 1.
-template <int kSource, int kTarget>
+// directly, index 0 to its count - 1. kBanded = false is the same layout for a band that covers
+// the whole source (ResampleSpectrum picks it by itself): no band test per read.
+template <int kSource, int kTarget, bool kBanded = true>
 class SpectrumLayout {
 public:
     SpectrumLayout(const double* source, int sourceCount, int first, int last, double* target,
@@ -50,6 +55,11 @@ public:
 
     int SourceCount() const { return sourceCount_; }
     int TargetCount() const { return targetCount_; }
+    // Whether every source component lies inside the band.
+    bool CoversSource() const { return first_ <= 0 && last_ >= sourceCount_ - 1; }
+    SpectrumLayout<kSource, kTarget, false> Unbanded() const {
+        return {source_, sourceCount_, 0, sourceCount_ - 1, target_, targetCount_};
+    }
 
     // Target component i = source component j.
     void Copy(int i, int j) {
@@ -65,8 +75,14 @@ public:
         double* to = target_ + i * kTarget;
         const double* a = Source(j);
         const double* b = Source(j + 1);
-        for (int c = 0; c < kCarried; ++c)
-            to[c] = (1.0 - u) * (a ? a[c] : 0.0) + u * (b ? b[c] : 0.0);
+        const double w = 1.0 - u;
+        if constexpr (kBanded) {
+            for (int c = 0; c < kCarried; ++c)
+                to[c] = w * (a ? a[c] : 0.0) + u * (b ? b[c] : 0.0);
+        } else {
+            for (int c = 0; c < kCarried; ++c)
+                to[c] = w * a[c] + u * b[c];
+        }
         for (int c = kCarried; c < kTarget; ++c)
             to[c] = 0.0;
     }
@@ -75,7 +91,10 @@ private:
     static constexpr int kCarried = kSource == kTarget ? kTarget : 1;
 
     const double* Source(int j) const {
-        return j >= first_ && j <= last_ ? source_ + j * kSource : nullptr;
+        if constexpr (kBanded)
+            return j >= first_ && j <= last_ ? source_ + j * kSource : nullptr;
+        else
+            return source_ + j * kSource;
     }
 
     const double* source_;
@@ -102,15 +121,61 @@ inline int NextInterval(const TArray<double>& s, double w, int from) {
     return j;
 }
 
-// Resamples the layout's source over grid s onto its target over grid t. Returns 0, or -1 when
-// the target's count is not t's or the source's is not s's, when s is empty (and t is not), or
-// when no source interval holds a target wavelength (grids that are not ascending).
+namespace ResampleDetail {
+
+// The walk of ResampleSpectrum over the target indexes lo..hi, which lie strictly inside the
+// source range (m >= 2). j is the current interval [s[j], s[j+1]]; it is found anew only when a
+// target passes its right end, and then first guessed: the previous find moved j by some
+// `advance`, and on grids that line up (the same step, or one a whole multiple of the other) the
+// next find moves it by the same amount, which two comparisons confirm (s[k] <= w < s[k+1] is
+// the bisection's answer on an ascending grid). Only a failed guess walks or bisects. The
+// reciprocal width is computed once per interval, and not even that when the width is the
+// previous interval's bit for bit (the same division gives the same bits): on an equidistant
+// source one division serves the whole walk.
 template <class Layout>
-int ResampleSpectrum(const TArray<double>& s, const TArray<double>& t, Layout& layout) {
+int Walk(const double* s, int m, const double* t, int lo, int hi, const TArray<double>& grid,
+         Layout& layout) {
+    // The number of source wavelengths not above t[0], less one: a few steps from the start (the
+    // usual case: both grids start close together), bisection past them; the same index either
+    // way on an ascending grid.
+    int j = -1;
+    while (j + 1 < m && j < 7 && s[j + 1] <= t[0])
+        ++j;
+    if (j == 7 && j + 1 < m && s[j + 1] <= t[0])
+        j = CountNotAbove(grid, t[0]) - 1;
+    int advance = 1;
+    double width = std::numeric_limits<double>::quiet_NaN(); // equal to no width
+    double reciprocalWidth = 0.0;
+    if (j >= 0 && j < m - 1) {
+        width = s[j + 1] - s[j];
+        reciprocalWidth = 1.0 / width;
+    }
+    for (int i = lo; i <= hi; ++i) {
+        const double w = t[i];
+        if (j < 0 || j >= m - 1 || w > s[j + 1]) {
+            int k = j + advance;
+            if (!(j >= 0 && k >= 0 && k < m - 1 && s[k] <= w && w < s[k + 1]))
+                k = w == s[m - 1] ? m - 2 : NextInterval(grid, w, j);
+            if (k < 0 || k >= m - 1)
+                return -1;
+            if (j >= 0)
+                advance = k - j;
+            j = k;
+            const double next = s[j + 1] - s[j];
+            if (!(next == width)) {
+                width = next;
+                reciprocalWidth = 1.0 / width;
+            }
+        }
+        layout.Lerp(i, j, (w - s[j]) * reciprocalWidth);
+    }
+    return 0;
+}
+
+template <class Layout>
+int Resample(const TArray<double>& s, const TArray<double>& t, Layout& layout) {
     const int m = s.Count();
     const int n = t.Count();
-    if (layout.TargetCount() != n || layout.SourceCount() != m)
-        return -1;
     if (s.IsEqual(t)) {
         for (int i = 0; i < m; ++i)
             layout.Copy(i, i);
@@ -125,28 +190,34 @@ int ResampleSpectrum(const TArray<double>& s, const TArray<double>& t, Layout& l
         return -1;
 
     // Target wavelengths at or beyond either end of the source take the end value.
+    const double* sv = s.Data();
+    const double* tv = t.Data();
     int lo = 0;
-    for (; lo < n && t[lo] <= s[0]; ++lo)
+    for (; lo < n && tv[lo] <= sv[0]; ++lo)
         layout.Copy(lo, 0);
     if (lo == n)
         return 0;
     int hi = n - 1;
-    for (; hi >= lo && t[hi] >= s[m - 1]; --hi)
+    for (; hi >= lo && tv[hi] >= sv[m - 1]; --hi)
         layout.Copy(hi, m - 1);
+    return Walk(sv, m, tv, lo, hi, s, layout);
+}
 
-    // The rest lie strictly inside: interval j is [s[j], s[j+1]].
-    int j = CountNotAbove(s, t[0]) - 1;
-    double reciprocalWidth = j >= 0 && j < m - 1 ? 1.0 / (s[j + 1] - s[j]) : 0.0;
-    for (int i = lo; i <= hi; ++i) {
-        if (j < 0 || j >= m - 1 || t[i] > s[j + 1]) {
-            j = t[i] == s[m - 1] ? m - 2 : NextInterval(s, t[i], j);
-            if (j < 0 || j >= m - 1)
-                return -1;
-            reciprocalWidth = 1.0 / (s[j + 1] - s[j]);
-        }
-        layout.Lerp(i, j, (t[i] - s[j]) * reciprocalWidth);
+} // namespace ResampleDetail
+
+// Resamples the layout's source over grid s onto its target over grid t. Returns 0, or -1 when
+// the target's count is not t's or the source's is not s's, when s is empty (and t is not), or
+// when no source interval holds a target wavelength (grids that are not ascending). Nothing is
+// allocated and nothing but the target is written.
+template <class Layout>
+int ResampleSpectrum(const TArray<double>& s, const TArray<double>& t, Layout& layout) {
+    if (layout.TargetCount() != t.Count() || layout.SourceCount() != s.Count())
+        return -1;
+    if (layout.CoversSource()) {
+        auto whole = layout.Unbanded();
+        return ResampleDetail::Resample(s, t, whole);
     }
-    return 0;
+    return ResampleDetail::Resample(s, t, layout);
 }
 
 // The plain-array form: `count` values v over grid s into `outCount` values over grid t.

@@ -418,13 +418,60 @@ TEST(CieGridTables, ManyGridsBeyondTheCacheStillConvert) {
     TPlugRef<CIEConvAll> conv = CIEConvAll::Create();
     TArray<double> w(10), s(10);
     TVect3<double> rgb;
-    for (int g = 0; g < 80; ++g) {
+    for (int g = 0; g < 40; ++g) {
         Range(w, 400.0 + g, 10.0, 20);
         ASSERT_EQ(conv->RGB2SpectrumAttr({0.1, 0.7, 0.3}, w, s), 0);
         ASSERT_EQ(conv->spectrum2rgbAttr(w, s, rgb), 0);
         ExpectSameColour(rgb, {0.1, 0.7, 0.3}, "grid beyond the cache");
     }
-    EXPECT_EQ(conv->CachedGrids(), 64);
+    EXPECT_EQ(conv->CachedGrids(), 16); // the 1 nm grid and the first 15 of these
+}
+
+// The cache is bounded in bytes too: a grid whose tables would pass 8 MiB is converted with
+// tables of its own, freed after the call, and the kept bytes stay within the bound.
+TEST(CieGridTables, AGridBeyondTheByteBoundConvertsAndIsNotKept) {
+    TPlugRef<CIEConvAll> conv = CIEConvAll::Create();
+    const std::size_t before = conv->CachedGridBytes();
+    EXPECT_EQ(before, std::size_t{471} * 17 * sizeof(double)); // the 1 nm grid: grid + 4 tables
+    TArray<double> w(10), s(10);
+    Range(w, 360.0, 470.0 / 69999.0, 70000); // 70,000 points: 9.5 MB of tables
+    TVect3<double> rgb;
+    ASSERT_EQ(conv->RGB2SpectrumAttr({0.4, 0.5, 0.6}, w, s), 0);
+    ASSERT_EQ(conv->spectrum2rgbAttr(w, s, rgb), 0);
+    ExpectSameColour(rgb, {0.4, 0.5, 0.6}, "grid beyond the byte bound");
+    EXPECT_EQ(conv->CachedGrids(), 1);
+    EXPECT_EQ(conv->CachedGridBytes(), before);
+}
+
+// A grid resolved once gives the bits of the lookup by wavelengths; handed to another converter,
+// or for another length, it is ignored and the grid is looked up as usual.
+TEST(CieGridTables, AResolvedGridGivesTheLookupsBitsAndOnlyToItsConverter) {
+    TPlugRef<CIEConvAll> conv = CIEConvAll::Create(),
+                         other = CIEConvAll::Create(Observer::CIE1964_10deg);
+    TArray<double> w(10), big(10);
+    Range(w, 390.0, 10.0, 33);
+    Range(big, 360.0, 470.0 / 69999.0, 70000); // tables of its own, kept alive by the CIEGrid
+    for (const TArray<double>* grid : {&w, &big}) {
+        const int n = grid->Count();
+        const CIEGrid resolved = conv->ResolveGrid(*grid);
+        ASSERT_TRUE(resolved);
+        std::vector<double> byGrid(static_cast<std::size_t>(n)), byWaves = byGrid;
+        for (bool attr : {false, true}) {
+            const TVect3<double> rgb{0.8, -0.1, 0.35};
+            for (const CIEConvAll* c : {conv.Get(), other.Get()}) {
+                ASSERT_EQ(attr ? c->RGB2SpectrumAttr(rgb, resolved, *grid, byGrid.data(), n)
+                               : c->RGB2Spectrum(rgb, resolved, *grid, byGrid.data(), n),
+                          0);
+                ASSERT_EQ(attr ? c->RGB2SpectrumAttr(rgb, *grid, byWaves.data(), n)
+                               : c->RGB2Spectrum(rgb, *grid, byWaves.data(), n),
+                          0);
+                EXPECT_EQ(byGrid, byWaves);
+            }
+        }
+        // A length that is not the grid's is refused as the lookup refuses it.
+        EXPECT_EQ(conv->RGB2Spectrum({1, 1, 1}, resolved, *grid, byGrid.data(), n - 1), -1);
+    }
+    EXPECT_FALSE(conv->ResolveGrid(TArray<double>(10)));
 }
 
 TEST(CieConverterLife, DefaultOutlivesEveryReferenceAndCreateMayFail) {

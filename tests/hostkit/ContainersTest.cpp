@@ -13,6 +13,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <thread>
 #include <type_traits>
 #include <vector>
 
@@ -224,6 +225,36 @@ TEST(TArrayMemStats, BlocksBalanceUnderTheArrayTag) {
     }
     EXPECT_EQ(Stats().blocksOutstanding, before.blocksOutstanding);
     EXPECT_EQ(Stats().bytesOutstanding, before.bytesOutstanding);
+}
+
+// Counters are kept per thread: what threads report, while they run and after they ended, adds
+// up exactly in every read, and a reset of the totals counts from that moment on every thread.
+TEST(TArrayMemStats, ThreadsCountApartAndTheSumsStayExact) {
+    constexpr int kPerThread = 2000;
+    const MemStatCounts before = Stats();
+    const auto churn = [] {
+        for (int k = 0; k < kPerThread; ++k) {
+            TArray<double> a(10);
+            a.Alloc(3);
+        }
+    };
+    TArray<double> held(10);
+    ASSERT_EQ(held.Alloc(5), 0);
+    std::thread t1(churn), t2(churn);
+    t1.join();
+    t2.join();
+    MemStatCounts now = Stats();
+    EXPECT_EQ(now.blocksTotal - before.blocksTotal, 2 * kPerThread + 1);
+    EXPECT_EQ(now.bytesTotal - before.bytesTotal, (2 * kPerThread * 3 + 5) * 8);
+    EXPECT_EQ(now.blocksOutstanding - before.blocksOutstanding, 1);
+    MemStats::ResetTotals("TArray");
+    std::thread t3(churn);
+    t3.join();
+    now = Stats();
+    EXPECT_EQ(now.blocksTotal, kPerThread);
+    EXPECT_EQ(now.failed, 0);
+    held.Realloc(0);
+    EXPECT_EQ(Stats().blocksOutstanding, before.blocksOutstanding);
 }
 
 TEST(TArrayElements, ArrayNewConstructsAndDeleteDestroysTheWholeCapacity) {

@@ -211,3 +211,33 @@ TEST_F(SpectralConversion, RaysCarryTheGridWeightsAndRGBRaysTheScaledLuminance) 
     EXPECT_NEAR(luminance, 537.0 / 683.0 * (kY.x * rgb.x + kY.y * rgb.y + kY.z * rgb.z),
                 Tol::kRayScaling);
 }
+
+// The model keeps its grid's converter tables (resolved when its converter is renewed). A
+// conversion after the host's converter changed, or after the grid changed, must use the new
+// converter's tables for the new grid, never the ones kept before.
+TEST_F(SpectralConversion, ReconstructionsFollowTheConverterAndTheGridTheModelHasNow) {
+    TPlugRef<CIEConvAll> other = CIEConvAll::Create(Observer::CIE1964_10deg);
+    ASSERT_TRUE(u_->GridTables());
+    const auto rgb = Make<LgtColor<RGBU>>(0, {0.6, 0.5, 0.4});
+    auto out = Make<LgtColor<USpec>>(11);
+    const Values before = Spectrum({0.6, 0.5, 0.4});
+
+    bw_->ColorModel::SetCIEConvAll(other.Get()); // not told to the model: it looks the grid up
+    ASSERT_EQ(u_->ConvertColor(rgb_.Get(), rgb, out), 0);
+    EXPECT_EQ(Of(out), Spectrum({0.6, 0.5, 0.4}));
+    EXPECT_NE(Of(out), before);
+    u_->SetCIEConvAll(other.Get()); // told: its tables come from the new converter
+    ASSERT_EQ(u_->ConvertColor(rgb_.Get(), rgb, out), 0);
+    EXPECT_EQ(Of(out), Spectrum({0.6, 0.5, 0.4}));
+    u_->SetCIEConvAll(CIEConvAll::Default());
+    ASSERT_EQ(u_->ConvertColor(rgb_.Get(), rgb, out), 0);
+    EXPECT_EQ(Of(out), before);
+
+    grid_.Assign(Grid({400, 450, 500, 550, 600, 650, 700, 710, 720, 730, 740}));
+    static_cast<GridModel<Unpolarized>*>(u_.Get())->SetWaveLengths(grid_);
+    ASSERT_EQ(u_->ConvertColor(rgb_.Get(), rgb, out), 0);
+    EXPECT_EQ(Of(out), Spectrum({0.6, 0.5, 0.4}));
+    auto surface = Make<SurfColor<USpec>>(11);
+    u_->RGBConvertToSurfaceColor({0.2, 0.3, 0.9}, surface);
+    EXPECT_EQ(Of(surface), Spectrum({0.2, 0.3, 0.9}, true));
+}

@@ -91,6 +91,8 @@ TEST(CIEModelConversion, FailuresReportTheirCodeAndLeaveTheColour) {
     const auto stokes = Spectral<LgtColor<SpS>>(m.spS, ones);
     const auto mueller = Spectral<SurfColor<SpS>>(m.spS, ones);
     const auto plain = Spectral<LgtColor<SpectralModel<Unpolarized>>>(m.spU, ones);
+    auto banded = Spectral<LgtColor<SpectralModel<Unpolarized>>>(m.spU, ones);
+    banded.Distr().SetBand(1, m.spU.NWaves() - 2);
     const XYZLight keep = Triple<XYZLight>(7.0, 8.0, 9.0);
 
     struct Case {
@@ -120,9 +122,13 @@ TEST(CIEModelConversion, FailuresReportTheirCodeAndLeaveTheColour) {
         EXPECT_EQ(c.model.ConvertToRayColor(&m.spS, stokes, ray), kErrorMessageCode);
         EXPECT_EQ(LastReport(), c.ray);
         {
+            // A light of the grid's length with a band over all of it is read in place (no
+            // scratch array: the conversion succeeds without memory); a banded one is copied.
             FaultInjection::ScopedFailure noArrays(FaultInjection::ArrayStorage, 1, true);
-            EXPECT_EQ(c.model.ConvertColor(&m.spU, plain, light), kNoMemoryCode);
-            EXPECT_EQ(c.model.ConvertToRayColor(&m.spU, plain, ray), kNoMemoryCode);
+            XYZLight whole = keep;
+            EXPECT_EQ(m.xyz.ConvertColor(&m.spU, plain, whole), 0);
+            EXPECT_EQ(c.model.ConvertColor(&m.spU, banded, light), kNoMemoryCode);
+            EXPECT_EQ(c.model.ConvertToRayColor(&m.spU, banded, ray), kNoMemoryCode);
         }
         EXPECT_EQ(ReportLog::Entries().back().kind, ReportKind::NoMemory);
         EXPECT_TRUE(light == keep && ray.Light() == keep);
