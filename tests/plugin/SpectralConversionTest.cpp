@@ -15,6 +15,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <type_traits>
 #include <vector>
 
@@ -210,4 +211,112 @@ TEST_F(SpectralConversion, RaysCarryTheGridWeightsAndRGBRaysTheScaledLuminance) 
         luminance += unp.Light().Distr()[k][0] / w[k] * u_->GetMassColConv()->LightXYZ()[k].g;
     EXPECT_NEAR(luminance, 537.0 / 683.0 * (kY.x * rgb.x + kY.y * rgb.y + kY.z * rgb.z),
                 Tol::kRayScaling);
+}
+
+// Every failure a host can see from a spectral source whose colour does not fit its grid, and from
+// a polarized spectral source where none is taken: the code returned, the kind of report, its
+// exact text, and for the spectral model's own texts the translation context it was looked up
+// under (the polarized model's own).
+TEST_F(SpectralConversion, EveryFailureReportsItsTextKindAndContext) {
+    const char* const kUnpContext = "SpectralModel<class Korvane::Unpolarized>::ConvertColor";
+    const char* const kStkContext =
+        "SpectralModel<class Korvane::StokesPolarization>::ConvertColor";
+    const auto longLight = Make<LgtColor<USpec>>(12);
+    const auto longSurface = Make<SurfColor<USpec>>(12);
+    const auto longScalar = Make<ScalarColor<USpec>>(12);
+    const auto longStokes = Make<LgtColor<SSpec>>(12);
+    const auto longStokesSurface = Make<SurfColor<SSpec>>(12);
+    const auto longStokesScalar = Make<ScalarColor<SSpec>>(12);
+    const auto stokes = Make<LgtColor<SSpec>>(11);
+    const auto stokesSurface = Make<SurfColor<SSpec>>(11);
+    auto light = Make<LgtColor<USpec>>(11);
+    auto surface = Make<SurfColor<USpec>>(11);
+    auto scalar = Make<ScalarColor<USpec>>(11);
+    auto stokesOut = Make<LgtColor<SSpec>>(11);
+    auto stokesScalarOut = Make<ScalarColor<SSpec>>(11);
+    LgtColor<RGBU> rgbLight;
+    SurfColor<RGBU> rgbSurface;
+    ScalarColor<RGBU> rgbScalar;
+    LgtColor<XYZModel> xyzLight;
+    SurfColor<XYZModel> xyzSurface;
+    LgtColor<XYYModel> xyyLight;
+    SurfColor<XYYModel> xyySurface;
+    RayColor<XYZModel> xyzRay;
+    RayColor<XYYModel> xyyRay;
+    const RGBU& rgb = *rgb_.Get();
+    TPlugRef<RGBModel<StokesPolarization>> rgbStokes = new RGBModel<StokesPolarization>();
+    const LgtColor<RGBModel<StokesPolarization>> rgbStokesLight{};
+    struct Case {
+        const char* what;
+        std::function<int()> convert;
+        int code;
+        const char* text;
+        const char* context; // null: not looked up for translation
+    };
+    const Case cases[] = {
+        {"RGB light", [&] { return rgb.ConvertColor(u_.Get(), longLight, rgbLight); },
+         kErrorMessageCode, "RGB light color conversion failure", nullptr},
+        {"RGB surface", [&] { return rgb.ConvertColor(u_.Get(), longSurface, rgbSurface); },
+         kErrorMessageCode, "RGB surface color conversion failure", nullptr},
+        {"RGB scalar", [&] { return rgb.ConvertColor(u_.Get(), longScalar, rgbScalar); },
+         kErrorMessageCode, "RGB scalar color conversion failure", nullptr},
+        {"RGB light, Stokes source",
+         [&] { return rgb.ConvertColor(s_.Get(), longStokes, rgbLight); }, kErrorMessageCode,
+         "RGB light color conversion failure", nullptr},
+        {"RGB surface, Stokes source",
+         [&] { return rgb.ConvertColor(s_.Get(), longStokesSurface, rgbSurface); },
+         kErrorMessageCode, "RGB surface color conversion failure", nullptr},
+        {"RGB scalar, Stokes source",
+         [&] { return rgb.ConvertColor(s_.Get(), longStokesScalar, rgbScalar); }, kErrorMessageCode,
+         "RGB scalar color conversion failure", nullptr},
+        {"SPEC light", [&] { return u_->ConvertColor(u_.Get(), longLight, light); },
+         kErrorMessageCode, "SPEC light color conversion failure", kUnpContext},
+        {"SPEC surface", [&] { return u_->ConvertColor(u_.Get(), longSurface, surface); },
+         kErrorMessageCode, "SPEC surface color conversion failure", kUnpContext},
+        {"SPEC scalar", [&] { return u_->ConvertColor(s_.Get(), longStokesScalar, scalar); },
+         kErrorMessageCode, "SPEC scalar color conversion failure", kUnpContext},
+        {"SPEC scalar into Stokes",
+         [&] { return s_->ConvertColor(s_.Get(), longStokesScalar, stokesScalarOut); },
+         kErrorMessageCode, "SPEC scalar color conversion failure", kStkContext},
+        {"Stokes light from RGB", [&] { return s_->ConvertColor(rgb_.Get(), rgbLight, stokesOut); },
+         kErrorMessageCode, "Not supported spectral light color conversion", kStkContext},
+        {"light from Stokes RGB",
+         [&] { return u_->ConvertColor(rgbStokes.Get(), rgbStokesLight, light); },
+         kErrorMessageCode, "Not supported spectral light color conversion", kUnpContext},
+        {"XYZ light", [&] { return xyz_->ConvertColor(s_.Get(), stokes, xyzLight); },
+         kErrorMessageCode, "Not supported XYZ light color conversion", nullptr},
+        {"XYZ surface", [&] { return xyz_->ConvertColor(s_.Get(), stokesSurface, xyzSurface); },
+         kErrorMessageCode, "Not supported XYZ surface color conversion", nullptr},
+        {"XYY light", [&] { return xyy_->ConvertColor(s_.Get(), stokes, xyyLight); },
+         kErrorMessageCode, "Not supported XYY light color conversion", nullptr},
+        {"XYY surface", [&] { return xyy_->ConvertColor(s_.Get(), stokesSurface, xyySurface); },
+         kErrorMessageCode, "Not supported XYY surface color conversion", nullptr},
+        {"XYZ ray", [&] { return xyz_->ConvertToRayColor(s_.Get(), stokes, xyzRay); },
+         kErrorMessageCode, "Not supported light to XYZ ray color conversion", nullptr},
+        {"XYY ray", [&] { return xyy_->ConvertToRayColor(s_.Get(), stokes, xyyRay); },
+         kErrorMessageCode, "Not supported light to XYY ray color conversion", nullptr},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        ReportLog::Clear();
+        Translations::Clear();
+        EXPECT_EQ(c.convert(), c.code);
+        const std::vector<Report> reports = ReportLog::Entries();
+        ASSERT_EQ(reports.size(), 1u);
+        EXPECT_EQ(reports[0].kind, ReportKind::ErrorMessage);
+        EXPECT_EQ(reports[0].text, c.text);
+        if (c.context) {
+            const char* other = c.context == kUnpContext ? kStkContext : kUnpContext;
+            EXPECT_EQ(Translations::LookupCount(c.context, c.text), 1);
+            EXPECT_EQ(Translations::LookupCount(other, c.text), 0);
+        }
+    }
+
+    // An installed translation is what the host is shown, under the polarized model's context.
+    Translations::Add(kStkContext, "Not supported spectral surface color conversion",
+                      "surface refused (Stokes)");
+    ReportLog::Clear();
+    auto stokesSurfaceOut = Make<SurfColor<SSpec>>(11);
+    EXPECT_EQ(s_->ConvertColor(rgb_.Get(), rgbSurface, stokesSurfaceOut), kErrorMessageCode);
+    EXPECT_EQ(Last(), "surface refused (Stokes)");
 }
