@@ -16,6 +16,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <limits>
 #include <type_traits>
 #include <vector>
 
@@ -319,4 +320,35 @@ TEST_F(SpectralConversion, EveryFailureReportsItsTextKindAndContext) {
     auto stokesSurfaceOut = Make<SurfColor<SSpec>>(11);
     EXPECT_EQ(s_->ConvertColor(rgb_.Get(), rgbSurface, stokesSurfaceOut), kErrorMessageCode);
     EXPECT_EQ(Last(), "surface refused (Stokes)");
+}
+
+// Named edges: a colour from a model on the same grid is copied sample for sample, +inf
+// included (the light clamp only touches negatives, so +inf shows); an RGB whose reconstruction
+// has a negative luminance is not scaled to it (only a positive sum scales), and its ray keeps
+// the weights.
+TEST_F(SpectralConversion, SameGridCopiesAndNegativeLuminanceRays) {
+    const double inf = std::numeric_limits<double>::infinity();
+    TPlugRef<USpec> twin = new GridModel<Unpolarized>(grid_);
+    auto source = Make<LgtColor<USpec>>(11);
+    auto surfaceSource = Make<SurfColor<USpec>>(11);
+    for (int k = 0; k < 11; ++k) {
+        source.Values()[k] = k == 4 ? inf : 0.125 * (k + 1);
+        surfaceSource.Values()[k] = k == 7 ? inf : 0.0625 * (k + 1);
+    }
+    auto light = Make<LgtColor<USpec>>(11);
+    auto surface = Make<SurfColor<USpec>>(11);
+    ASSERT_EQ(u_->ConvertColor(twin.Get(), source, light), 0);
+    ASSERT_EQ(u_->ConvertColor(twin.Get(), surfaceSource, surface), 0);
+    EXPECT_EQ(Of(light), Of(source));
+    EXPECT_EQ(Of(surface), Of(surfaceSource));
+
+    const TVect3<double> dark{-0.2, -0.3, -0.1};
+    const Values reconstruction = Spectrum(dark);
+    ASSERT_LT(reconstruction[5], 0.0);
+    RayColor<USpec> ray;
+    ray.Light().Distr().SetLength(11);
+    u_->RGBConvertToRayColor(dark, ray);
+    const MArray<double>& w = u_->GetWeights();
+    for (int k = 0; k < 11; ++k)
+        EXPECT_EQ(Of(ray.Light())[k], reconstruction[k] * w[k]) << k;
 }

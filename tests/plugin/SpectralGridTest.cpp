@@ -350,3 +350,17 @@ TEST(SpectralGridArchive, PlugFilesOfBothFormatsKeepTheModel) {
         std::remove(path.c_str());
     }
 }
+
+// The tolerance is taken from both steps: a change of step d - dprev counts as rounding up to
+// (d + dprev) * kEquidistantTolerance, twice what one step of 1 nm alone would allow. Steps of
+// 1 nm are changed by 1.5 and 2.5 times kEquidistantTolerance (about 1.8e-7 and 3e-7 nm, far
+// above the 1.1e-13 nm rounding of wavelengths near 400 nm).
+TEST(SpectralGrid, EquidistanceToleranceCoversBothSteps) {
+    const double eps = BSpectralModel::kEquidistantTolerance;
+    bool even = false;
+    EXPECT_TRUE(BSpectralModel::CheckWaves(Grid({400.0, 401.0, 402.0 + 1.5 * eps}), &even));
+    EXPECT_TRUE(even);
+    EXPECT_TRUE(BSpectralModel::CheckWaves(Grid({400.0, 401.0, 402.0 + 2.5 * eps}), &even));
+    EXPECT_FALSE(even);
+    EXPECT_FALSE(BSpectralModel::CheckWaves(Grid({0.0, 1.0}), &even)); // 0 nm is no wavelength
+}
