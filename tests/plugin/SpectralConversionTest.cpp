@@ -352,3 +352,34 @@ TEST_F(SpectralConversion, SameGridCopiesAndNegativeLuminanceRays) {
     for (int k = 0; k < 11; ++k)
         EXPECT_EQ(Of(ray.Light())[k], reconstruction[k] * w[k]) << k;
 }
+
+// Grey sources fill every sample (the first included) with their value; a surface from RGB is
+// the reflectance reconstruction of the RGB divided by its largest magnitude, scaled back by it
+// (bit for bit that product); a Stokes ray from RGB carries the scaled reconstruction as its
+// intensities with Q, U and V zero; a one-wavelength model's energy is its single value.
+TEST_F(SpectralConversion, GreySurfacesScalarsAndStokesRaysFromRGB) {
+    auto surface = Make<SurfColor<USpec>>(11);
+    auto scalar = Make<ScalarColor<USpec>>(11);
+    ASSERT_EQ(u_->ConvertColor(bw_.Get(), Make<SurfColor<BWU>>(0, {0.4}), surface), 0);
+    ASSERT_EQ(u_->ConvertColor(bw_.Get(), Make<ScalarColor<BWU>>(0, {0.7}), scalar), 0);
+    EXPECT_EQ(Of(surface), Values(11, 0.4));
+    EXPECT_EQ(Of(scalar), Values(11, 0.7));
+
+    const Values unit = Spectrum({1.0, 0.5, 0.25}, true);
+    ASSERT_EQ(u_->ConvertColor(rgb_.Get(), Make<SurfColor<RGBU>>(0, {0.8, 0.4, 0.2}), surface), 0);
+    for (std::size_t k = 0; k < 11; ++k)
+        EXPECT_EQ(Of(surface)[k], unit[k] * 0.8) << k;
+
+    RayColor<SSpec> stokesRay;
+    stokesRay.Light().Distr().SetLength(11);
+    RayColor<USpec> ray;
+    ray.Light().Distr().SetLength(11);
+    s_->RGBConvertToRayColor({0.2, 0.7, 0.1}, stokesRay);
+    u_->RGBConvertToRayColor({0.2, 0.7, 0.1}, ray);
+    for (std::size_t k = 0; k < 44; ++k)
+        EXPECT_EQ(Of(stokesRay.Light())[k], k % 4 ? 0.0 : Of(ray.Light())[k / 4]) << k;
+
+    TPlugRef<USpec> point = new GridModel<Unpolarized>(Grid({550}));
+    auto one = Make<LgtColor<USpec>>(1, {0.375});
+    EXPECT_EQ(point->LgtEnergy(one), 0.375);
+}

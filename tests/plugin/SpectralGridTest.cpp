@@ -258,6 +258,11 @@ TEST(SpectralGrid, EqualModelsNeedTheSameEquidistantFlag) {
         "0");
     EXPECT_TRUE(stored.GetWaveLengths().IsEqual(even.GetWaveLengths()));
     EXPECT_FALSE(stored.IsEqual(&even));
+
+    // Grids of the same count and flag but other wavelengths make other models.
+    UModel shifted(Grid({410.0, 510.0, 610.0}));
+    EXPECT_FALSE(shifted.IsEqual(&even));
+    EXPECT_FALSE(even.IsEqual(&shifted));
 }
 
 TEST(SpectralGrid, DefaultModelTakesTheDefaultGrid) {
