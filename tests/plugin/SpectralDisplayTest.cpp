@@ -158,3 +158,22 @@ TEST_F(SpectralOut, StokesXYZReadsIntensitiesAndSurfaceTablesWaitForUse) {
     model->GetMassColConv()->WeightForSurface(0);
     EXPECT_EQ(model->GetMassColConv()->SurfaceRGB().Count(), 3);
 }
+
+// A black light normalized stays (0, 0, 0) rather than dividing by its zero sum, and shows as
+// not lit; every polarized surface shows mid grey.
+TEST_F(SpectralOut, BlackLightsAndPolarizedSurfaces) {
+    SetIntensities(c, Grid({0, 0, 0, 0, 0}));
+    for (bool clamp : {false, true}) {
+        rgb = TVect3<double>(9.0, 9.0, 9.0);
+        EXPECT_EQ(model->LgtColorToRGB(c, rgb, true, clamp), 0);
+        EXPECT_EQ(rgb, TVect3<double>(0.0, 0.0, 0.0));
+    }
+    EXPECT_EQ(model->LgtColorToDisplayRGB(c, rgb), 0);
+    SurfColor<SpectralModel<StokesPolarization>> mueller;
+    mueller.Distr().SetLength(5);
+    for (int k = 0; k < 5 * 16; ++k)
+        mueller.Values()[k] = 0.125 * k;
+    rgb = TVect3<double>(9.0, 9.0, 9.0);
+    stokes->SurfColorToRGB(mueller, rgb);
+    EXPECT_EQ(rgb, TVect3<double>(0.5, 0.5, 0.5));
+}
