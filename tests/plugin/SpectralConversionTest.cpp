@@ -297,11 +297,29 @@ TEST_F(SpectralConversion, EveryFailureReportsItsTextKindAndContext) {
         {"XYY ray", [&] { return xyy_->ConvertToRayColor(s_.Get(), stokes, xyyRay); },
          kErrorMessageCode, "Not supported light to XYY ray color conversion", nullptr},
     };
+    // The user object the host installs sees the text itself as the format, and again as the
+    // message (not "%s" with the text as its argument).
+    struct FormatRecorder : IUser {
+        std::vector<std::string> formats, messages;
+        int ErrorMessageEx(const char* format, const char* message) override {
+            formats.push_back(format ? format : "(null)");
+            messages.push_back(message ? message : "(null)");
+            return IUser::ErrorMessageEx(format, message);
+        }
+    } recorder;
+    SetUser(&recorder);
+    struct Restore {
+        ~Restore() { SetUser(nullptr); }
+    } restore;
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         ReportLog::Clear();
         Translations::Clear();
+        recorder.formats.clear();
+        recorder.messages.clear();
         EXPECT_EQ(c.convert(), c.code);
+        EXPECT_EQ(recorder.formats, std::vector<std::string>{c.text});
+        EXPECT_EQ(recorder.messages, std::vector<std::string>{c.text});
         const std::vector<Report> reports = ReportLog::Entries();
         ASSERT_EQ(reports.size(), 1u);
         EXPECT_EQ(reports[0].kind, ReportKind::ErrorMessage);
