@@ -65,6 +65,15 @@ TEST(XYYModelArithmetic, SumsAreTakenInXYZ) {
     XYYLight mix = Triple<XYYLight>(0.64, 0.33, 0.33);
     m.xyy.AddLgtColor(Triple<XYYLight>(0.30, 0.60, 0.60), mix);
     ExpectNear(Of(mix), TVect3<double>(0.47, 0.465, 0.93), Tol::kXYYSum);
+    // Scaling and normalizing touch Y alone.
+    XYYLight scaled = Triple<XYYLight>(0.25, 0.5, 2.0);
+    m.xyy.ScaleLgtColor(scaled, 0.5);
+    EXPECT_EQ(Of(scaled), TVect3<double>(0.25, 0.5, 1.0));
+    m.xyy.NormalizeLgtColor(scaled);
+    EXPECT_EQ(Of(scaled), TVect3<double>(0.25, 0.5, 1.0));
+    XYYLight big = Triple<XYYLight>(0.25, 0.5, 3.0);
+    m.xyy.NormalizeLgtColor(big);
+    EXPECT_EQ(Of(big), TVect3<double>(0.25, 0.5, 1.0));
 }
 
 TEST(XYYModelValidity, SurfaceCapTravelsOnlyWithARepair) {
