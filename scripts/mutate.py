@@ -1,8 +1,8 @@
 #!/usr/bin/python3
 """Mutation check: does the test suite notice small faults put into the code on purpose?
 
-Usage: /usr/bin/python3 scripts/mutate.py [--only PATTERN] [-j N] [--list FILE]
-                                         [--scratch DIR] [--timeout SECONDS]
+Usage: /usr/bin/python3 scripts/mutate.py [--only PATTERN] [--ids N,N,...] [-j N] [--list FILE]
+                                         [--scratch DIR] [--timeout SECONDS] [--check]
 
 Copies the tree (without build/ and .git/) to a scratch folder (build/mutate by default),
 configures one build there (the default preset's build type, benchmarks off, ccache when
@@ -114,6 +114,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     parser.add_argument("--only", help="run only mutations whose file, text or note match this "
                         "glob pattern (e.g. '*Stokes*' or 'plugin/holders/*')")
+    parser.add_argument("--ids", help="run only these mutations, by number in the list (e.g. 3,17,40)")
     parser.add_argument("-j", type=int, default=os.cpu_count() or 2, help="build and test jobs")
     parser.add_argument("--list", default=os.path.join(ROOT, "scripts", "mutations.txt"))
     parser.add_argument("--scratch", default=os.path.join(ROOT, "build", "mutate"),
@@ -128,6 +129,10 @@ def main():
         pattern = args.only if any(c in args.only for c in "*?[") else f"*{args.only}*"
         mutations = [m for m in mutations
                      if any(fnmatch.fnmatch(m.get(k, ""), pattern) for k in ("file", "find", "note"))]
+
+    if args.ids:
+        wanted = {int(i) for i in args.ids.split(",") if i.strip()}
+        mutations = [m for m in mutations if m.index in wanted]
 
     if args.check:
         bad = 0
