@@ -150,6 +150,7 @@ TEST_F(Registered, ClonesCopyEveryColourIntoStorageOfTheirOwn) {
     ASSERT_TRUE(arrayClone.Get());
     EXPECT_TRUE(arrayClone->IsEqual(*array.Get()));
     EXPECT_NE(arrayClone->Colours()[1].Values(), array->Colours()[1].Values());
+    EXPECT_EQ(arrayClone->Name(), "ArrayLgtColorHold<CM>");
 
     // A matrix with no elements keeps its shape in a copy and in a clone.
     TPlugRef<MatrixLgtColorHold<BWU>> flat = new MatrixLgtColorHold<BWU>();

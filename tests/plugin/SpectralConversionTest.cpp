@@ -401,3 +401,17 @@ TEST_F(SpectralConversion, GreySurfacesScalarsAndStokesRaysFromRGB) {
     auto one = Make<LgtColor<USpec>>(1, {0.375});
     EXPECT_EQ(point->LgtEnergy(one), 0.375);
 }
+
+// A reconstruction the converter refuses (a one-point grid shows no three colours) leaves no
+// old values behind: the surface and the ray made from RGB are zero.
+TEST_F(SpectralConversion, RefusedRGBReconstructionsGiveZeros) {
+    TPlugRef<USpec> point = new GridModel<Unpolarized>(Grid({550}));
+    auto surface = Make<SurfColor<USpec>>(1, {0.75});
+    point->RGBConvertToSurfaceColor({0.2, 0.7, 0.1}, surface);
+    EXPECT_EQ(Of(surface), Values{0.0});
+    RayColor<USpec> ray;
+    ray.Light().Distr().SetLength(1);
+    ray.Light().Values()[0] = 0.75;
+    point->RGBConvertToRayColor({0.2, 0.7, 0.1}, ray);
+    EXPECT_EQ(Of(ray.Light()), Values{0.0});
+}
