@@ -1,5 +1,6 @@
 #include "hostkit/colormodel/ColorModel.h"
 
+#include "hostkit/base/CallLog.h"
 #include "hostkit/cie/CIEConvAll.h"
 #include "hostkit/colormodel/ColorModelType.h"
 #include "hostkit/field/WaveLength.h"
@@ -25,6 +26,7 @@ ColorModel::ColorModel() = default;
 ColorModel::ColorModel(const ColorModel& other) = default;
 
 ColorModel::~ColorModel() {
+    CallLog::Record("~ColorModel", Name());
     if (TColorModel)
         TColorModel->RemoveColorModel(this);
     if (gImplicitModel == this)

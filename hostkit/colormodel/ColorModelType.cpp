@@ -1,5 +1,6 @@
 #include "hostkit/colormodel/ColorModelType.h"
 
+#include "hostkit/base/CallLog.h"
 #include "hostkit/base/User.h"
 #include "hostkit/colormodel/ColorModel.h"
 
@@ -33,8 +34,12 @@ const ColorModelTypeObject gColorModelType;
 ColorModelType::ColorModelType() : PlugType("ColorModel", nullptr, false, nullptr) {}
 
 int ColorModelType::AddColorModel(ColorModel* model) {
+    CallLog::Record("AddColorModel", model ? std::string(model->Name()) : std::string("null"));
     if (!model)
         return User()->InternalError("ColorModelType::AddColorModel(): no model given");
+    if (CallLog::IsRegistrationRefused(model->Name()))
+        return User()->InternalError("ColorModelType::AddColorModel(): model \"%s\" is refused",
+                                     model->Name().c_str());
     {
         std::lock_guard<std::mutex> lock(mutex_);
         if (std::find(models_.begin(), models_.end(), model) == models_.end()) {

@@ -1,5 +1,6 @@
 #include "hostkit/plugsys/PlugType.h"
 
+#include "hostkit/base/CallLog.h"
 #include "hostkit/base/User.h"
 
 #include <algorithm>
@@ -83,6 +84,7 @@ std::vector<PlugType*> PlugType::Registered() {
 }
 
 void DeleteType(PlugType*& type) {
+    CallLog::Record("DeleteType", type ? std::string(type->Ident()) : std::string("null"));
     delete type; // the destructor unregisters
     type = nullptr;
 }

@@ -134,10 +134,14 @@ TEST_F(Registered, DamagedCountsFailTheArchiveBeforeAllocating) {
     }
     TPlugRef<MatrixLgtColorHold<RGBS>> matrix = new MatrixLgtColorHold<RGBS>();
     const std::int64_t unused = 0;
-    for (auto [rows, cols] : {std::pair{INT32_MAX, INT32_MAX}, std::pair{-2, -3}, {1, 1}}) {
+    for (auto [rows, cols] :
+         {std::pair{INT32_MAX, INT32_MAX}, std::pair{-2, -3}, {2, -3}, {1, 1}}) {
         EXPECT_NE(Read(*matrix.Get(), HeaderOnly(rows, cols, unused), ArchiveFormat::Binary), "");
         EXPECT_EQ(matrix->Colours().Elements(), 0);
     }
+    const std::string negative =
+        Read(*matrix.Get(), HeaderOnly(2, -3, unused), ArchiveFormat::Binary);
+    EXPECT_NE(negative.find("Data: a matrix of 2 x -3 colours"), std::string::npos) << negative;
 }
 
 TEST_F(Registered, ClonesCopyEveryColourIntoStorageOfTheirOwn) {
@@ -146,6 +150,19 @@ TEST_F(Registered, ClonesCopyEveryColourIntoStorageOfTheirOwn) {
     ASSERT_TRUE(arrayClone.Get());
     EXPECT_TRUE(arrayClone->IsEqual(*array.Get()));
     EXPECT_NE(arrayClone->Colours()[1].Values(), array->Colours()[1].Values());
+    EXPECT_EQ(arrayClone->Name(), "ArrayLgtColorHold<CM>");
+
+    // A matrix with no elements keeps its shape in a copy and in a clone.
+    TPlugRef<MatrixLgtColorHold<BWU>> flat = new MatrixLgtColorHold<BWU>();
+    ASSERT_EQ(flat->Resize(2, 0), 0);
+    const MatrixLgtColorHold<BWU> copy(*flat.Get());
+    TPlugRef<MatrixLgtColorHold<BWU>> flatClone =
+        static_cast<MatrixLgtColorHold<BWU>*>(flat->Clone());
+    for (const MatrixLgtColorHold<BWU>* m :
+         {&copy, static_cast<const MatrixLgtColorHold<BWU>*>(flatClone.Get())}) {
+        EXPECT_EQ(m->Colours().Rows(), 2);
+        EXPECT_EQ(m->Colours().Cols(), 0);
+    }
 
     // Ray arrays: the host's type and the fixed name; a clone keeps every X orientation.
     PlugRef made = SpS::GetModel()->NewArrayRayColorHold();

@@ -224,9 +224,10 @@ TEST(BWModelArithmetic, LightArithmeticActsOnEveryStokesElement) {
     Models m;
     LgtColor<BWS> c = Stokes(2.0, 1.0, -0.5, 0.25);
     m.bwStk.AddScaledLgt(Stokes(1.0, 2.0, 4.0, 8.0), 0.5, c);
-    const double a[] = {3.0, 100.0}, b[] = {4.0}, zero[] = {0.0};
-    m.bwStk.MulLgtColorByRatio(c, a, zero); // b not above 0: unchanged
-    m.bwStk.MulLgtColorByRatio(c, a, b);    // one channel: the first ratio
+    const double a[] = {3.0, 100.0}, b[] = {4.0}, zero[] = {0.0}, negative[] = {-2.0};
+    m.bwStk.MulLgtColorByRatio(c, a, zero);     // b not above 0: unchanged
+    m.bwStk.MulLgtColorByRatio(c, a, negative); // the same below 0
+    m.bwStk.MulLgtColorByRatio(c, a, b);        // one channel: the first ratio
     EXPECT_EQ(c, Stokes(1.875, 1.5, 1.125, 3.1875));
     RayColor<BWS> ray;
     ray.Light() = Stokes(4.0, 2.0, -1.0, 0.0);

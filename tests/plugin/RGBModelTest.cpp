@@ -329,6 +329,10 @@ TEST(RGBModelArithmetic, EnergiesLuminanceValidityAndDisplayReadIntensities) {
     EXPECT_EQ(m.rgbS->ClampSurfColor(mueller), 0);
     EXPECT_EQ(Intensities(mueller), T3(0, 0.5, 1));
     EXPECT_EQ(mueller[1], -0.5);
+    auto bright = Make<SurfColor<RU>>({0.5, 1.5, 0.25}); // above 1 alone is outside too
+    EXPECT_FALSE(m.rgbU->IsValidSurfColor(bright));
+    m.rgbU->ClampSurfColor(bright);
+    EXPECT_EQ(Intensities(bright), T3(0.5, 1, 0.25));
 
     // Display: by the largest magnitude, then negatives 0; LgtColorToRGB: clamp, then by the sum.
     T3 rgb;
@@ -340,4 +344,6 @@ TEST(RGBModelArithmetic, EnergiesLuminanceValidityAndDisplayReadIntensities) {
     EXPECT_EQ(rgb, T3(0.5, 1, -0.5));
     m.rgbS->LgtColorToRGB(Stokes({1, 2, -1}), rgb, true, true);
     EXPECT_EQ(rgb, T3(1.0 / 3, 2.0 / 3, 0));
+    m.rgbS->LgtColorToRGB(Stokes({1, 2, -1}), rgb, false, false);
+    EXPECT_EQ(rgb, T3(1, 2, -1));
 }

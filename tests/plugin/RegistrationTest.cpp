@@ -1,6 +1,8 @@
 // Class registration: what InitClasses makes, in which order, how it stops when memory runs out,
 // and that TermClasses takes everything down again.
+#include "hostkit/base/CallLog.h"
 #include "hostkit/base/FaultInjection.h"
+#include "hostkit/base/Module.h"
 #include "hostkit/base/User.h"
 #include "hostkit/colormodel/ColorModelType.h"
 #include "plugin/frame/LibraryObjects.h"
@@ -161,4 +163,99 @@ TEST(Registration, StopsAtTheFirstAllocationThatFails) {
         TermClasses();
         ExpectNothingLeft(before);
     }
+}
+
+// The host sees its registry filled model by model in creation order, and TermClasses take the
+// library down in its own order: array and matrix holder types in creation order, the single-
+// colour holder types in exact reverse, then each model released before its type is deleted
+// (XYZ, xyY, polarized and unpolarized spectral with their 380..780 nm models, RGB, BW).
+TEST(Registration, RegistersAndTakesDownInTheFixedOrders) {
+    const std::vector<std::string> models6(kModels.begin(), kModels.begin() + 6);
+    std::vector<std::string> added;
+    for (const std::string& m : kModels)
+        added.push_back("AddColorModel " + m);
+
+    CallLog::Start();
+    ASSERT_EQ(InitClasses(), 0);
+    EXPECT_EQ(CallLog::Stop(), added);
+
+    SpectralModel<Unpolarized>::GetModel_380_780();
+    SpectralModel<StokesPolarization>::GetModel_380_780();
+    std::vector<std::string> expected;
+    for (const char* suffix : {"ArrayLgtColorHold", "MatrixLgtColorHold"})
+        for (const std::string& m : models6)
+            expected.push_back("DeleteType " + m + suffix);
+    for (const char* kind : {"Surf", "Scalar", "Ray", "Lgt", "DualLgt"})
+        for (auto m = models6.rbegin(); m != models6.rend(); ++m)
+            expected.push_back("DeleteType " + *m + kind + "ColorHold");
+    for (const char* m : {"XYZ", "XYY"})
+        expected.insert(expected.end(),
+                        {std::string("~ColorModel ") + m, std::string("DeleteType ") + m});
+    for (const char* m : {"StkSpectr", "USpectr"}) // the singleton, then the 380..780 nm model
+        expected.insert(expected.end(),
+                        {std::string("~ColorModel ") + m, std::string("~ColorModel ") + m,
+                         std::string("DeleteType ") + m});
+    for (const char* m : {"StkRGB", "URGB", "StkBW", "UBW"})
+        expected.insert(expected.end(),
+                        {std::string("~ColorModel ") + m, std::string("DeleteType ") + m});
+    ASSERT_EQ(expected.size(), 50u + 10u);
+
+    CallLog::Start();
+    TermClasses();
+    EXPECT_EQ(CallLog::Stop(), expected);
+
+    // A second TermClasses deletes the 50 null pointers and releases nothing.
+    CallLog::Start();
+    TermClasses();
+    EXPECT_EQ(CallLog::Stop(), std::vector<std::string>(50, "DeleteType null"));
+}
+
+// When the host refuses a model, InitClasses stops there with -1; a refused unpolarized spectral
+// model is not made the implicit model, and what was made before stays until TermClasses.
+TEST(Registration, ARefusedModelStopsRegistrationAndIsNotMadeImplicit) {
+    const std::size_t before = PlugType::Registered().size();
+    const auto order = CreationOrder();
+    for (std::size_t refused = 0; refused < kModels.size(); ++refused) {
+        SCOPED_TRACE(kModels[refused]);
+        ReportLog::Clear();
+        CallLog::RefuseRegistration(kModels[refused]);
+        CallLog::Start();
+        const int result = InitClasses();
+        const std::vector<std::string> calls = CallLog::Stop();
+        CallLog::RefuseRegistration("");
+        EXPECT_EQ(result, -1);
+        ASSERT_EQ(calls.size(), refused + 1);
+        EXPECT_EQ(calls.back(), "AddColorModel " + kModels[refused]);
+        std::vector<std::string> made;
+        for (std::size_t i = 0; i <= refused; ++i)
+            made.push_back(order[i].first);
+        EXPECT_EQ(RegisteredSince(before), made);
+        // Only a spectral model that the host took is made implicit.
+        ColorModel* const implicit = refused > 4 ? SpectralModel<Unpolarized>::GetModel() : nullptr;
+        EXPECT_EQ(ColorModel::GetImplicitModel(), implicit);
+        EXPECT_EQ(BSpectralModel::GetKLBMSpectralModel(), implicit);
+        std::vector<std::string> errors; // the RGB models also log their creation
+        for (const Report& r : ReportLog::Entries())
+            if (r.kind != ReportKind::Log)
+                errors.push_back(r.text);
+        EXPECT_EQ(errors, std::vector<std::string>{"ColorModelType::AddColorModel(): model \"" +
+                                                   kModels[refused] + "\" is refused"});
+        EXPECT_EQ(ReportLog::Entries().back().kind, ReportKind::InternalError);
+        TermClasses();
+        ExpectNothingLeft(before);
+    }
+}
+
+// DllMain tells the host of the module on process attach only, and answers 1 for every reason.
+TEST(Registration, DllMainReportsTheModuleOnProcessAttachOnly) {
+    int token = 0;
+    void* const module = &token;
+    const int calls = PluginLoadingCalls();
+    for (unsigned long reason : {0ul, 2ul, 3ul, 7ul})
+        EXPECT_EQ(DllMain(module, reason, nullptr), 1) << reason;
+    EXPECT_EQ(PluginLoadingCalls(), calls);
+    EXPECT_EQ(DllMain(module, kProcessAttach, nullptr), 1);
+    EXPECT_EQ(PluginLoadingCalls(), calls + 1);
+    EXPECT_EQ(LoadingModule(), module);
+    EXPECT_EQ(VersionId(), 263237);
 }

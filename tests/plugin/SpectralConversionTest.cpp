@@ -15,6 +15,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <limits>
 #include <type_traits>
 #include <vector>
 
@@ -240,4 +242,206 @@ TEST_F(SpectralConversion, ReconstructionsFollowTheConverterAndTheGridTheModelHa
     auto surface = Make<SurfColor<USpec>>(11);
     u_->RGBConvertToSurfaceColor({0.2, 0.3, 0.9}, surface);
     EXPECT_EQ(Of(surface), Spectrum({0.2, 0.3, 0.9}, true));
+}
+
+// Every failure a host can see from a spectral source whose colour does not fit its grid, and from
+// a polarized spectral source where none is taken: the code returned, the kind of report, its
+// exact text, and for the spectral model's own texts the translation context it was looked up
+// under (the polarized model's own).
+TEST_F(SpectralConversion, EveryFailureReportsItsTextKindAndContext) {
+    const char* const kUnpContext = "SpectralModel<class Korvane::Unpolarized>::ConvertColor";
+    const char* const kStkContext =
+        "SpectralModel<class Korvane::StokesPolarization>::ConvertColor";
+    const auto longLight = Make<LgtColor<USpec>>(12);
+    const auto longSurface = Make<SurfColor<USpec>>(12);
+    const auto longScalar = Make<ScalarColor<USpec>>(12);
+    const auto longStokes = Make<LgtColor<SSpec>>(12);
+    const auto longStokesSurface = Make<SurfColor<SSpec>>(12);
+    const auto longStokesScalar = Make<ScalarColor<SSpec>>(12);
+    const auto stokes = Make<LgtColor<SSpec>>(11);
+    const auto stokesSurface = Make<SurfColor<SSpec>>(11);
+    auto light = Make<LgtColor<USpec>>(11);
+    auto surface = Make<SurfColor<USpec>>(11);
+    auto scalar = Make<ScalarColor<USpec>>(11);
+    auto stokesOut = Make<LgtColor<SSpec>>(11);
+    auto stokesScalarOut = Make<ScalarColor<SSpec>>(11);
+    LgtColor<RGBU> rgbLight;
+    SurfColor<RGBU> rgbSurface;
+    ScalarColor<RGBU> rgbScalar;
+    LgtColor<XYZModel> xyzLight;
+    SurfColor<XYZModel> xyzSurface;
+    LgtColor<XYYModel> xyyLight;
+    SurfColor<XYYModel> xyySurface;
+    RayColor<XYZModel> xyzRay;
+    RayColor<XYYModel> xyyRay;
+    const RGBU& rgb = *rgb_.Get();
+    TPlugRef<RGBModel<StokesPolarization>> rgbStokes = new RGBModel<StokesPolarization>();
+    const LgtColor<RGBModel<StokesPolarization>> rgbStokesLight{};
+    struct Case {
+        const char* what;
+        std::function<int()> convert;
+        int code;
+        const char* text;
+        const char* context; // null: not looked up for translation
+    };
+    const Case cases[] = {
+        {"RGB light", [&] { return rgb.ConvertColor(u_.Get(), longLight, rgbLight); },
+         kErrorMessageCode, "RGB light color conversion failure", nullptr},
+        {"RGB surface", [&] { return rgb.ConvertColor(u_.Get(), longSurface, rgbSurface); },
+         kErrorMessageCode, "RGB surface color conversion failure", nullptr},
+        {"RGB scalar", [&] { return rgb.ConvertColor(u_.Get(), longScalar, rgbScalar); },
+         kErrorMessageCode, "RGB scalar color conversion failure", nullptr},
+        {"RGB light, Stokes source",
+         [&] { return rgb.ConvertColor(s_.Get(), longStokes, rgbLight); }, kErrorMessageCode,
+         "RGB light color conversion failure", nullptr},
+        {"RGB surface, Stokes source",
+         [&] { return rgb.ConvertColor(s_.Get(), longStokesSurface, rgbSurface); },
+         kErrorMessageCode, "RGB surface color conversion failure", nullptr},
+        {"RGB scalar, Stokes source",
+         [&] { return rgb.ConvertColor(s_.Get(), longStokesScalar, rgbScalar); }, kErrorMessageCode,
+         "RGB scalar color conversion failure", nullptr},
+        {"SPEC light", [&] { return u_->ConvertColor(u_.Get(), longLight, light); },
+         kErrorMessageCode, "SPEC light color conversion failure", kUnpContext},
+        {"SPEC surface", [&] { return u_->ConvertColor(u_.Get(), longSurface, surface); },
+         kErrorMessageCode, "SPEC surface color conversion failure", kUnpContext},
+        {"SPEC scalar", [&] { return u_->ConvertColor(s_.Get(), longStokesScalar, scalar); },
+         kErrorMessageCode, "SPEC scalar color conversion failure", kUnpContext},
+        {"SPEC scalar into Stokes",
+         [&] { return s_->ConvertColor(s_.Get(), longStokesScalar, stokesScalarOut); },
+         kErrorMessageCode, "SPEC scalar color conversion failure", kStkContext},
+        {"Stokes light from RGB", [&] { return s_->ConvertColor(rgb_.Get(), rgbLight, stokesOut); },
+         kErrorMessageCode, "Not supported spectral light color conversion", kStkContext},
+        {"light from Stokes RGB",
+         [&] { return u_->ConvertColor(rgbStokes.Get(), rgbStokesLight, light); },
+         kErrorMessageCode, "Not supported spectral light color conversion", kUnpContext},
+        {"XYZ light", [&] { return xyz_->ConvertColor(s_.Get(), stokes, xyzLight); },
+         kErrorMessageCode, "Not supported XYZ light color conversion", nullptr},
+        {"XYZ surface", [&] { return xyz_->ConvertColor(s_.Get(), stokesSurface, xyzSurface); },
+         kErrorMessageCode, "Not supported XYZ surface color conversion", nullptr},
+        {"XYY light", [&] { return xyy_->ConvertColor(s_.Get(), stokes, xyyLight); },
+         kErrorMessageCode, "Not supported XYY light color conversion", nullptr},
+        {"XYY surface", [&] { return xyy_->ConvertColor(s_.Get(), stokesSurface, xyySurface); },
+         kErrorMessageCode, "Not supported XYY surface color conversion", nullptr},
+        {"XYZ ray", [&] { return xyz_->ConvertToRayColor(s_.Get(), stokes, xyzRay); },
+         kErrorMessageCode, "Not supported light to XYZ ray color conversion", nullptr},
+        {"XYY ray", [&] { return xyy_->ConvertToRayColor(s_.Get(), stokes, xyyRay); },
+         kErrorMessageCode, "Not supported light to XYY ray color conversion", nullptr},
+    };
+    // The user object the host installs sees the text itself as the format, and again as the
+    // message (not "%s" with the text as its argument).
+    struct FormatRecorder : IUser {
+        std::vector<std::string> formats, messages;
+        int ErrorMessageEx(const char* format, const char* message) override {
+            formats.push_back(format ? format : "(null)");
+            messages.push_back(message ? message : "(null)");
+            return IUser::ErrorMessageEx(format, message);
+        }
+    } recorder;
+    SetUser(&recorder);
+    struct Restore {
+        ~Restore() { SetUser(nullptr); }
+    } restore;
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        ReportLog::Clear();
+        Translations::Clear();
+        recorder.formats.clear();
+        recorder.messages.clear();
+        EXPECT_EQ(c.convert(), c.code);
+        EXPECT_EQ(recorder.formats, std::vector<std::string>{c.text});
+        EXPECT_EQ(recorder.messages, std::vector<std::string>{c.text});
+        const std::vector<Report> reports = ReportLog::Entries();
+        ASSERT_EQ(reports.size(), 1u);
+        EXPECT_EQ(reports[0].kind, ReportKind::ErrorMessage);
+        EXPECT_EQ(reports[0].text, c.text);
+        if (c.context) {
+            const char* other = c.context == kUnpContext ? kStkContext : kUnpContext;
+            EXPECT_EQ(Translations::LookupCount(c.context, c.text), 1);
+            EXPECT_EQ(Translations::LookupCount(other, c.text), 0);
+        }
+    }
+
+    // An installed translation is what the host is shown, under the polarized model's context.
+    Translations::Add(kStkContext, "Not supported spectral surface color conversion",
+                      "surface refused (Stokes)");
+    ReportLog::Clear();
+    auto stokesSurfaceOut = Make<SurfColor<SSpec>>(11);
+    EXPECT_EQ(s_->ConvertColor(rgb_.Get(), rgbSurface, stokesSurfaceOut), kErrorMessageCode);
+    EXPECT_EQ(Last(), "surface refused (Stokes)");
+}
+
+// Named edges: a colour from a model on the same grid is copied sample for sample, +inf
+// included (the light clamp only touches negatives, so +inf shows); an RGB whose reconstruction
+// has a negative luminance is not scaled to it (only a positive sum scales), and its ray keeps
+// the weights.
+TEST_F(SpectralConversion, SameGridCopiesAndNegativeLuminanceRays) {
+    const double inf = std::numeric_limits<double>::infinity();
+    TPlugRef<USpec> twin = new GridModel<Unpolarized>(grid_);
+    auto source = Make<LgtColor<USpec>>(11);
+    auto surfaceSource = Make<SurfColor<USpec>>(11);
+    for (int k = 0; k < 11; ++k) {
+        source.Values()[k] = k == 4 ? inf : 0.125 * (k + 1);
+        surfaceSource.Values()[k] = k == 7 ? inf : 0.0625 * (k + 1);
+    }
+    auto light = Make<LgtColor<USpec>>(11);
+    auto surface = Make<SurfColor<USpec>>(11);
+    ASSERT_EQ(u_->ConvertColor(twin.Get(), source, light), 0);
+    ASSERT_EQ(u_->ConvertColor(twin.Get(), surfaceSource, surface), 0);
+    EXPECT_EQ(Of(light), Of(source));
+    EXPECT_EQ(Of(surface), Of(surfaceSource));
+
+    const TVect3<double> dark{-0.2, -0.3, -0.1};
+    const Values reconstruction = Spectrum(dark);
+    ASSERT_LT(reconstruction[5], 0.0);
+    RayColor<USpec> ray;
+    ray.Light().Distr().SetLength(11);
+    u_->RGBConvertToRayColor(dark, ray);
+    const MArray<double>& w = u_->GetWeights();
+    for (int k = 0; k < 11; ++k)
+        EXPECT_EQ(Of(ray.Light())[k], reconstruction[k] * w[k]) << k;
+}
+
+// Grey sources fill every sample (the first included) with their value; a surface from RGB is
+// the reflectance reconstruction of the RGB divided by its largest magnitude, scaled back by it
+// (bit for bit that product); a Stokes ray from RGB carries the scaled reconstruction as its
+// intensities with Q, U and V zero; a one-wavelength model's energy is its single value.
+TEST_F(SpectralConversion, GreySurfacesScalarsAndStokesRaysFromRGB) {
+    auto surface = Make<SurfColor<USpec>>(11);
+    auto scalar = Make<ScalarColor<USpec>>(11);
+    ASSERT_EQ(u_->ConvertColor(bw_.Get(), Make<SurfColor<BWU>>(0, {0.4}), surface), 0);
+    ASSERT_EQ(u_->ConvertColor(bw_.Get(), Make<ScalarColor<BWU>>(0, {0.7}), scalar), 0);
+    EXPECT_EQ(Of(surface), Values(11, 0.4));
+    EXPECT_EQ(Of(scalar), Values(11, 0.7));
+
+    const Values unit = Spectrum({1.0, 0.5, 0.25}, true);
+    ASSERT_EQ(u_->ConvertColor(rgb_.Get(), Make<SurfColor<RGBU>>(0, {0.8, 0.4, 0.2}), surface), 0);
+    for (std::size_t k = 0; k < 11; ++k)
+        EXPECT_EQ(Of(surface)[k], unit[k] * 0.8) << k;
+
+    RayColor<SSpec> stokesRay;
+    stokesRay.Light().Distr().SetLength(11);
+    RayColor<USpec> ray;
+    ray.Light().Distr().SetLength(11);
+    s_->RGBConvertToRayColor({0.2, 0.7, 0.1}, stokesRay);
+    u_->RGBConvertToRayColor({0.2, 0.7, 0.1}, ray);
+    for (std::size_t k = 0; k < 44; ++k)
+        EXPECT_EQ(Of(stokesRay.Light())[k], k % 4 ? 0.0 : Of(ray.Light())[k / 4]) << k;
+
+    TPlugRef<USpec> point = new GridModel<Unpolarized>(Grid({550}));
+    auto one = Make<LgtColor<USpec>>(1, {0.375});
+    EXPECT_EQ(point->LgtEnergy(one), 0.375);
+}
+
+// A reconstruction the converter refuses (a one-point grid shows no three colours) leaves no
+// old values behind: the surface and the ray made from RGB are zero.
+TEST_F(SpectralConversion, RefusedRGBReconstructionsGiveZeros) {
+    TPlugRef<USpec> point = new GridModel<Unpolarized>(Grid({550}));
+    auto surface = Make<SurfColor<USpec>>(1, {0.75});
+    point->RGBConvertToSurfaceColor({0.2, 0.7, 0.1}, surface);
+    EXPECT_EQ(Of(surface), Values{0.0});
+    RayColor<USpec> ray;
+    ray.Light().Distr().SetLength(1);
+    ray.Light().Values()[0] = 0.75;
+    point->RGBConvertToRayColor({0.2, 0.7, 0.1}, ray);
+    EXPECT_EQ(Of(ray.Light()), Values{0.0});
 }

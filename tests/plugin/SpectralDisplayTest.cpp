@@ -134,3 +134,46 @@ TEST_F(SpectralOut, ChromaticityComesFromTheXYZModel) {
     EXPECT_EQ(luminance + xy.x + xy.y, 0.0);
     EXPECT_EQ(ReportLog::Entries().back().text, "Not supported XYZ light color conversion");
 }
+
+// A Stokes light's XYZ comes from its intensities alone (every fourth double), and the surface
+// tables of the mass converter are made on first use, never with the model.
+TEST_F(SpectralOut, StokesXYZReadsIntensitiesAndSurfaceTablesWaitForUse) {
+    LgtColor<SpectralModel<StokesPolarization>> polarized;
+    SetIntensities(polarized, density);
+    for (int k = 0; k < density.Count(); ++k) // Q, U, V that would show if they were read
+        polarized.Distr()[k] = {density[k], 5.0, -7.0, 11.0};
+    SetIntensities(c, density);
+    TVect3<double> fromStokes(0.0, 0.0, 0.0);
+    TVect3<double> fromIntensity(0.0, 0.0, 0.0);
+    ASSERT_EQ(stokes->LgtColorToXYZ(polarized, fromStokes), 0);
+    ASSERT_EQ(model->LgtColorToXYZ(c, fromIntensity), 0);
+    EXPECT_EQ(fromStokes, fromIntensity);
+    EXPECT_GT(fromIntensity.y, 0.0);
+
+    MassColConv* conv = model->GetMassColConv();
+    EXPECT_EQ(conv->SurfaceRGB().Count(), 0);
+    EXPECT_EQ(stokes->GetMassColConv()->SurfaceRGB().Count(), 0);
+    model->SetWaveLengths(Grid({400, 500, 600}));
+    EXPECT_EQ(model->GetMassColConv()->SurfaceRGB().Count(), 0);
+    model->GetMassColConv()->WeightForSurface(0);
+    EXPECT_EQ(model->GetMassColConv()->SurfaceRGB().Count(), 3);
+}
+
+// A black light normalized stays (0, 0, 0) rather than dividing by its zero sum, and shows as
+// not lit; every polarized surface shows mid grey.
+TEST_F(SpectralOut, BlackLightsAndPolarizedSurfaces) {
+    SetIntensities(c, Grid({0, 0, 0, 0, 0}));
+    for (bool clamp : {false, true}) {
+        rgb = TVect3<double>(9.0, 9.0, 9.0);
+        EXPECT_EQ(model->LgtColorToRGB(c, rgb, true, clamp), 0);
+        EXPECT_EQ(rgb, TVect3<double>(0.0, 0.0, 0.0));
+    }
+    EXPECT_EQ(model->LgtColorToDisplayRGB(c, rgb), 0);
+    SurfColor<SpectralModel<StokesPolarization>> mueller;
+    mueller.Distr().SetLength(5);
+    for (int k = 0; k < 5 * 16; ++k)
+        mueller.Values()[k] = 0.125 * k;
+    rgb = TVect3<double>(9.0, 9.0, 9.0);
+    stokes->SurfColorToRGB(mueller, rgb);
+    EXPECT_EQ(rgb, TVect3<double>(0.5, 0.5, 0.5));
+}

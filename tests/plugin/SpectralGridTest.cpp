@@ -258,6 +258,11 @@ TEST(SpectralGrid, EqualModelsNeedTheSameEquidistantFlag) {
         "0");
     EXPECT_TRUE(stored.GetWaveLengths().IsEqual(even.GetWaveLengths()));
     EXPECT_FALSE(stored.IsEqual(&even));
+
+    // Grids of the same count and flag but other wavelengths make other models.
+    UModel shifted(Grid({410.0, 510.0, 610.0}));
+    EXPECT_FALSE(shifted.IsEqual(&even));
+    EXPECT_FALSE(even.IsEqual(&shifted));
 }
 
 TEST(SpectralGrid, DefaultModelTakesTheDefaultGrid) {
@@ -349,4 +354,18 @@ TEST(SpectralGridArchive, PlugFilesOfBothFormatsKeepTheModel) {
         EXPECT_EQ(model.GetSpectral2XYZWeights().Count(), 3); // rebuilt by OnLoad
         std::remove(path.c_str());
     }
+}
+
+// The tolerance is taken from both steps: a change of step d - dprev counts as rounding up to
+// (d + dprev) * kEquidistantTolerance, twice what one step of 1 nm alone would allow. Steps of
+// 1 nm are changed by 1.5 and 2.5 times kEquidistantTolerance (about 1.8e-7 and 3e-7 nm, far
+// above the 1.1e-13 nm rounding of wavelengths near 400 nm).
+TEST(SpectralGrid, EquidistanceToleranceCoversBothSteps) {
+    const double eps = BSpectralModel::kEquidistantTolerance;
+    bool even = false;
+    EXPECT_TRUE(BSpectralModel::CheckWaves(Grid({400.0, 401.0, 402.0 + 1.5 * eps}), &even));
+    EXPECT_TRUE(even);
+    EXPECT_TRUE(BSpectralModel::CheckWaves(Grid({400.0, 401.0, 402.0 + 2.5 * eps}), &even));
+    EXPECT_FALSE(even);
+    EXPECT_FALSE(BSpectralModel::CheckWaves(Grid({0.0, 1.0}), &even)); // 0 nm is no wavelength
 }

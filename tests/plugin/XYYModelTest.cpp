@@ -4,6 +4,8 @@
 
 #include "tests/support/Tolerances.h"
 
+#include <cmath>
+
 using namespace Korvane;
 using namespace Korvane::Testing;
 
@@ -65,6 +67,15 @@ TEST(XYYModelArithmetic, SumsAreTakenInXYZ) {
     XYYLight mix = Triple<XYYLight>(0.64, 0.33, 0.33);
     m.xyy.AddLgtColor(Triple<XYYLight>(0.30, 0.60, 0.60), mix);
     ExpectNear(Of(mix), TVect3<double>(0.47, 0.465, 0.93), Tol::kXYYSum);
+    // Scaling and normalizing touch Y alone.
+    XYYLight scaled = Triple<XYYLight>(0.25, 0.5, 2.0);
+    m.xyy.ScaleLgtColor(scaled, 0.5);
+    EXPECT_EQ(Of(scaled), TVect3<double>(0.25, 0.5, 1.0));
+    m.xyy.NormalizeLgtColor(scaled);
+    EXPECT_EQ(Of(scaled), TVect3<double>(0.25, 0.5, 1.0));
+    XYYLight big = Triple<XYYLight>(0.25, 0.5, 3.0);
+    m.xyy.NormalizeLgtColor(big);
+    EXPECT_EQ(Of(big), TVect3<double>(0.25, 0.5, 1.0));
 }
 
 TEST(XYYModelValidity, SurfaceCapTravelsOnlyWithARepair) {
@@ -78,6 +89,11 @@ TEST(XYYModelValidity, SurfaceCapTravelsOnlyWithARepair) {
     XYYSurface beyond = Triple<XYYSurface>(0.8, 0.15, 1.5);
     EXPECT_EQ(m.xyy.ClampSurfColor(beyond), 0);
     EXPECT_EQ(Of(beyond), TVect3<double>(0.8, 0.15, 1.0));
+    // Shown on a display, a surface brighter than white is scaled into [0, 1]: its largest
+    // channel becomes exactly 1 (white of Y = 2 is RGB (2, 2, 2) before that).
+    TVect3<double> rgb(0.0, 0.0, 0.0);
+    m.xyy.SurfColorToRGB(Triple<XYYSurface>(0.3127, 0.3290, 2.0), rgb);
+    EXPECT_EQ(std::fmax(rgb.x, std::fmax(rgb.y, rgb.z)), 1.0);
 }
 
 // A spectral light becomes a ray that carries the light's energy: the spectrum's coordinates

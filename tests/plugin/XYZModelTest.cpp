@@ -157,6 +157,34 @@ TEST(XYZModelValues, EnergyPowerChromaticityAndTheSurfaceClamp) {
     EXPECT_EQ(m.xyz.ClampSurfColor(grey), 1);
     EXPECT_EQ(grey[1], 0.5);
     XYZSurface green = Triple<XYZSurface>(0.0, 1.0, 0.0); // xy (0, 1): outside the locus
+    EXPECT_TRUE(m.xyz.IsValidSurfColor(grey));
+    EXPECT_FALSE(m.xyz.IsValidSurfColor(green));
     EXPECT_EQ(m.xyz.ClampSurfColor(green), 0);
     EXPECT_EQ(Of(green), TVect3<double>(0.0, 0.0, 0.0));
+}
+
+// Normalizing: a black light becomes (1/3, 1/3, 1/3), others are divided by their sum. A spectral
+// source holding more samples than its grid is read over its first NWaves samples.
+TEST(XYZModelValues, NormalizingBlackAndSpectraLongerThanTheirGrid) {
+    CIEModels m;
+    XYZLight black = Triple<XYZLight>(0.0, 0.0, 0.0);
+    m.xyz.NormalizeLgtColor(black);
+    EXPECT_EQ(Of(black), TVect3<double>(1.0 / 3, 1.0 / 3, 1.0 / 3));
+    XYZLight some = Triple<XYZLight>(0.5, 1.0, 0.5);
+    m.xyz.NormalizeLgtColor(some);
+    EXPECT_EQ(Of(some), TVect3<double>(0.25, 0.5, 0.25));
+
+    using SpU = SpectralModel<Unpolarized>;
+    const int n = m.spU.NWaves();
+    std::vector<double> values(static_cast<std::size_t>(n), 0.5);
+    const LgtColor<SpU> fitting = Spectral<LgtColor<SpU>>(m.spU, values);
+    LgtColor<SpU> longer = fitting;
+    ASSERT_EQ(longer.Distr().SetLength(n + 3), 0);
+    for (int i = 0; i < n + 3; ++i)
+        longer.Distr()[i][0] = i < n ? 0.5 : 1e6;
+    XYZLight a, b;
+    ASSERT_EQ(m.xyz.ConvertColor(&m.spU, fitting, a), 0);
+    ASSERT_EQ(m.xyz.ConvertColor(&m.spU, longer, b), 0);
+    EXPECT_EQ(Of(a), Of(b));
+    EXPECT_GT(a[1], 0.0);
 }
