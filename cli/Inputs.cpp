@@ -17,7 +17,17 @@ void ReadSpectrumFile(const std::string& path, const SpectrumIO::SpectrumSink& s
         std::ifstream in(path, std::ios::binary);
         if (!in)
             DataError(path + ": cannot open: " + std::strerror(errno));
-        ok = SpectrumIO::ReadSpectra(in, path, sink, error);
+        // Errors name the path as given; spectra named after their file ("<file>:<n>") carry
+        // the file's name without its folders.
+        const std::string prefix = path + ":";
+        const std::size_t slash = path.rfind('/');
+        const std::string base = slash == std::string::npos ? path : path.substr(slash + 1);
+        const SpectrumIO::SpectrumSink named = [&](SpectrumIO::Spectrum& s) {
+            if (s.name.compare(0, prefix.size(), prefix) == 0)
+                s.name = base + ":" + s.name.substr(prefix.size());
+            return sink(s);
+        };
+        ok = SpectrumIO::ReadSpectra(in, path, named, error);
     }
     if (!ok)
         DataError(error.Text());

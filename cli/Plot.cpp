@@ -112,7 +112,9 @@ void RunPlot(const PlotOptions& o, std::ostream& out) {
                                    xyz) != 0)
                 DataError(file + ": spectrum " + s.name + ": the converter refused its grid");
             Series r;
-            r.name = s.name;
+            // Labels without the folders of a path-derived name.
+            const std::size_t slash = s.name.rfind('/');
+            r.name = slash == std::string::npos ? s.name : s.name.substr(slash + 1);
             r.nm = s.nm;
             r.values = s.values;
             r.point = toDiagram(Analysis::Xy(xyz));
@@ -155,8 +157,17 @@ void RunPlot(const PlotOptions& o, std::ostream& out) {
         std::vector<Vec2> pts;
         for (std::size_t i = 0; i < s.nm.size(); ++i)
             pts.push_back({s.nm[i], peak > 0.0 ? std::max(-0.05, s.values[i] / peak) : 0.0});
-        Polyline(svg, sp, pts, "stroke='#555' stroke-width='3.5' stroke-opacity='0.35'");
+        Polyline(svg, sp, pts, "stroke='#333' stroke-width='3.5' stroke-opacity='0.6'");
         Polyline(svg, sp, pts, "stroke='" + s.colour + "' stroke-width='2'");
+    }
+
+    // Legend: each spectrum's colour and name, top right of the spectra.
+    for (std::size_t i = 0; i < series.size() && i < 12; ++i) {
+        const double y = sp.top + 16 + 16 * static_cast<double>(i);
+        svg << "<rect x='" << F(sp.left + sp.w - 150) << "' y='" << F(y - 9) << "' width='14' "
+            << "height='10' fill='" << series[i].colour << "' stroke='#333'/><text x='"
+            << F(sp.left + sp.w - 130) << "' y='" << F(y) << "'>" << Escape(series[i].name)
+            << "</text>\n";
     }
 
     // Chromaticity diagram.
