@@ -52,7 +52,10 @@ std::vector<double> SpectralValues(Kind kind, void* c) {
     using M = SpectralModel<Pol>;
     const auto take = [](const auto& d) {
         using Comp = typename std::decay_t<decltype(d)>::Component;
-        const double* v = d.Values();
+        // The components through the view's own accessors (host templates): the distribution's
+        // members are the plug-in's, which the tool does not link.
+        const auto* data = d.Data();
+        const double* v = data ? data[0].v : nullptr;
         return v ? std::vector<double>(v, v + d.Count() * Comp::kSize) : std::vector<double>();
     };
     switch (kind) {

@@ -14,8 +14,8 @@
 namespace Korvane::Cli {
 
 // Largest grid the tool gives a spectral model. Loading a grid into a model costs time growing
-// with the square of its length (about a second at 4,000 points on a slow core), so the tool
-// refuses longer grids rather than appear to hang.
+// with the square of its length (0.12 s of CPU at 4,001 points, 1.6 s at 16,000, a minute at
+// 100,000 here), so the tool refuses longer grids rather than appear to hang.
 inline constexpr int kMaxGridPoints = 4001;
 
 // first, first + step, ..., last: all finite, first > 0, step > 0, last >= first, and at most

@@ -92,8 +92,12 @@ bool ReadCgats(LineReader& lines, const std::string& first, const std::string& f
             break;
         if (tokens[0].text == "KEYWORD")
             continue;
-        if (tokens.size() >= 2 && keywords.size() < 10000)
-            keywords[std::string(tokens[0].text)] = std::string(tokens[1].text);
+        // Only the spectral keywords are kept: memory stays bounded whatever the header holds.
+        const std::string_view key = tokens[0].text;
+        if (tokens.size() >= 2 && tokens[1].text.size() <= 64 &&
+            (key == "SPECTRAL_BANDS" || key == "SPECTRAL_START_NM" || key == "SPECTRAL_END_NM" ||
+             key == "SPECTRAL_NORM"))
+            keywords[std::string(key)] = std::string(tokens[1].text);
     }
 
     // Field names up to END_DATA_FORMAT.
