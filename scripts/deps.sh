@@ -3,6 +3,9 @@
 set -euo pipefail
 packages=(cmake g++ make libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev)
 packages+=(pkgconf doxygen python3) # the install check, the API reference, the guide check
+# The command-line tool's JSON; the tool's tests: the plot rendered to PNG, the CIE F-series
+# spectra (CGATS) of argyll-ref, a Python 3 interpreter for the picture check.
+packages+=(nlohmann-json3-dev librsvg2-bin argyll-ref python3)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
