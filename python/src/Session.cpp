@@ -151,6 +151,10 @@ const ColorModel& Session::Model(const std::string& ident, const std::vector<dou
         return *model;
     if (!model->IsSpectral())
         throw std::invalid_argument("the model " + ident + " has no wavelength grid");
+    if (grid.size() > kMaxGridPoints)
+        throw std::invalid_argument("a grid of " + std::to_string(grid.size()) +
+                                    " wavelengths is longer than the " +
+                                    std::to_string(kMaxGridPoints) + " a model is made on");
     const MArray<double>& own = model->GetWaveLengths();
     bool same = own.Count() == static_cast<int>(grid.size());
     for (int i = 0; same && i < own.Count(); ++i)

@@ -120,3 +120,8 @@ def test_a_million_colours_convert_without_per_colour_python_overhead(rng):
     assert cpu < 5.0, f"{cpu:.2f} s of CPU for a million conversions"
     np.testing.assert_array_equal(spectra[123456], korvane.convert(rgb[123456], "URGB",
                                                                    "USpectr"))
+
+
+def test_grids_longer_than_a_model_is_made_on_are_refused_before_any_work():
+    with pytest.raises(ValueError, match="grid of 20001 wavelengths is longer than the 20000"):
+        korvane.rgb_to_spectrum([0.2, 0.4, 0.6], grid=korvane.grid(300, 300 + 20000 * 0.02, 0.02))
