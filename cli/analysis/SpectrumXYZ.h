@@ -1,0 +1,23 @@
+// Tristimulus values of sampled spectra through the host's current CIE converter
+// (CIEConv::spectrum2xyz: the spectrum read piecewise linearly, integrated exactly against the
+// current observer). A host that wants another observer makes that converter current first.
+#pragma once
+
+#include "cli/analysis/Types.h"
+
+namespace Korvane::Analysis {
+
+// Light: X = integral s xbar dl, likewise Y, Z (no 683 factor). 0, or the converter's non-zero
+// result (empty grid, wavelengths not finite and increasing, no memory) with xyz = 0.
+int LightXYZ(const SpectrumView& s, Vec3& xyz);
+
+// Reflectance r under an illuminant sampled on r's own grid: XYZ of r * illuminant as a light,
+// divided by the Y of the illuminant on the same grid, so the perfect white reflector has Y = 1;
+// `white` gets that reflector's XYZ. Non-zero when the converter fails or the illuminant has no
+// luminance on the grid.
+int ReflectanceXYZ(const SpectrumView& r, const double* illuminant, Vec3& xyz, Vec3& white);
+
+// The current converter's linear RGB (sRGB primaries, D65 white) of an XYZ: M xyz.
+Vec3 LinearSrgb(const Vec3& xyz);
+
+} // namespace Korvane::Analysis

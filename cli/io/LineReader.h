@@ -1,0 +1,42 @@
+// LineReader: lines of a stream, at most kMaxLineLength bytes each, with the UTF-8 byte-order
+// mark of the first line and a CR before each LF removed. Internal to the spectrum readers.
+#pragma once
+
+#include "cli/io/SpectrumReader.h"
+
+#include <istream>
+#include <string>
+
+namespace Korvane::SpectrumIO {
+
+class LineReader {
+public:
+    LineReader(std::istream& in, const std::string& file, ReadError& error)
+        : in_(in), file_(file), error_(error) {}
+
+    // The next line into `line`: true; false at the end of the input or on an error (Failed()).
+    bool Next(std::string& line);
+    bool Failed() const { return failed_; }
+    long LineNumber() const { return number_; }
+
+    // Records an error at `column` (1-based; 0 for the whole line) of the current line.
+    bool Fail(long column, const std::string& message);
+
+private:
+    std::istream& in_;
+    const std::string& file_;
+    ReadError& error_;
+    long number_ = 0;
+    bool failed_ = false;
+};
+
+// Splits helpers shared by both formats.
+bool IsBlank(const std::string& s);
+// A finite double taking the whole of `text`; false otherwise.
+bool ParseFinite(const std::string& text, double& value);
+// Shortest round-trip text of a double.
+std::string Shortest(double v);
+// Text for messages: at most 40 bytes of `s`, quoted.
+std::string Quote(const std::string& s);
+
+} // namespace Korvane::SpectrumIO
