@@ -1,6 +1,6 @@
 """Makes docs/python_figure.png: spectra that the spectral model reconstructs from three sRGB
-colours, beside their chromaticities in the CIE 1931 xy diagram. Every number comes from the
-library through the module korvane.
+colours, beside their chromaticities (and CCTs where they have one) in the CIE 1931 xy diagram.
+Every number comes from the library through the module korvane.
 
     PYTHONPATH=build/default/python /usr/bin/python3 docs/python_figure.py [OUT.png]
 """
@@ -20,7 +20,7 @@ out = sys.argv[1] if len(sys.argv) > 1 else "docs/python_figure.png"
 colours = {"white": [1.0, 1.0, 1.0], "orange": [0.9, 0.35, 0.05], "teal": [0.05, 0.45, 0.4]}
 grid = korvane.grid(380, 780, 5)
 spectra = korvane.rgb_to_spectrum(np.array(list(colours.values())), grid=grid)
-xyy = korvane.convert(spectra, "USpectr", "XYY", grid=grid)
+records = korvane.analyze(grid, spectra)  # the colorimetry of `korvane analyze`, per spectrum
 
 # The spectral locus: the chromaticity of a unit spike at each wavelength of a 1 nm grid
 # (each row of the identity matrix is one spike).
@@ -45,10 +45,13 @@ for nm in (460, 480, 500, 520, 540, 560, 580, 600, 620):
     right.annotate(f"{nm}", (x, y), textcoords="offset points", xytext=(4, 2), fontsize=7)
 right.fill(gamut[:, 0], gamut[:, 1], facecolor="none", edgecolor="0.5", linestyle="--",
            label="sRGB gamut")
-for (name, rgb), (x, y, _) in zip(colours.items(), xyy):
-    right.plot(x, y, "o", color=np.clip(rgb, 0, 1) ** (1 / 2.2), markeredgecolor="black")
-    right.annotate(f"{name} ({x:.4f}, {y:.4f})", (x, y), textcoords="offset points",
-                   xytext=(6, -10), fontsize=8)
+for (name, rgb), record in zip(colours.items(), records):
+    x, y = record["xy"]
+    cct = f", {record['CCT']:.0f} K" if record["CCT"] is not None else ""
+    right.plot(x, y, "o", color=record["hex"], markeredgecolor="black")
+    dx, dy, align = {"white": (8, -12, "left"), "teal": (-8, 6, "right")}.get(name, (6, 6, "left"))
+    right.annotate(f"{name} ({x:.4f}, {y:.4f}{cct})", (x, y), textcoords="offset points",
+                   xytext=(dx, dy), ha=align, fontsize=8)
 right.set_xlim(0, 0.8)
 right.set_ylim(0, 0.9)
 right.set_aspect("equal")

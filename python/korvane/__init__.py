@@ -3,7 +3,8 @@
 The colour-model plug-in, loaded through the host kit as any host loads it, with NumPy arrays in
 and out: conversions between the models through their own ``ConvertColor``, spectra
 reconstructed from RGB, resampling onto other grids, holders saved to and loaded from plug
-files, and the colorimetry of spectra. Every number is the library's own.
+files, and the colorimetry of spectra (``korvane.analyze``, the figures of the command-line
+tool's ``analyze``). Every number is the library's own.
 
     >>> import korvane
     >>> korvane.models()
@@ -28,6 +29,7 @@ import numpy as _np
 from ._korvane import (
     KorvaneError,
     _load_holder,
+    analyze,
     clear_reports,
     convert,
     default_grid,
@@ -47,6 +49,7 @@ from ._korvane import (
 __all__ = [
     "Holder",
     "KorvaneError",
+    "analyze",
     "clear_reports",
     "convert",
     "default_grid",

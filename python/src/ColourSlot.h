@@ -48,6 +48,8 @@ public:
     int ConvertFrom(const ColourSlot& from);
 
     Plug& HolderPlug() { return *holder_.Get(); }
+    // The colour itself, for the model's other operations; only of the slot's own kind.
+    const ILgtColor& Light() const { return *light_; }
 
 private:
     const ColorModel* model_;

@@ -1,6 +1,7 @@
 // The extension module korvane._korvane: the plug-in context, conversions and holder files for
 // Python, with NumPy arrays in and out. The package korvane (korvane/__init__.py) re-exports it
 // and adds the small helpers written in Python.
+#include "python/src/AnalyzeSpectra.h"
 #include "python/src/ConvertColours.h"
 #include "python/src/HolderFiles.h"
 #include "python/src/Session.h"
@@ -157,6 +158,108 @@ py::dict LoadHolderFile(const std::string& path) {
     return d;
 }
 
+py::list List(const double* v, std::size_t n) {
+    py::list l;
+    for (std::size_t i = 0; i < n; ++i)
+        l.append(v[i]);
+    return l;
+}
+
+// One spectrum's record, with the keys and values of the tool's `analyze --json` spectra.
+py::dict Record(const SpectrumAnalysis& r) {
+    auto orNone = [](bool has, double v) { return has ? py::object(py::float_(v)) : py::none(); };
+    py::dict d;
+    d["name"] = py::none();
+    d["file"] = py::none();
+    py::dict grid;
+    grid["first"] = r.first;
+    grid["last"] = r.last;
+    grid["count"] = r.count;
+    d["grid"] = grid;
+    d["XYZ"] = List(r.xyz.data(), 3);
+    d["xy"] = List(r.xy.data(), 2);
+    d["uv"] = List(r.uv.data(), 2);
+    d["luminance"] = r.luminance;
+    d["radiant"] = r.radiant;
+    d["CCT"] = orNone(r.cct.has_value(), r.cct ? r.cct->cct : 0.0);
+    d["Duv"] = orNone(r.cct.has_value(), r.cct ? r.cct->duv : 0.0);
+    d["dominant_wavelength"] =
+        orNone(r.dominant.has_value(), r.dominant ? r.dominant->wavelength : 0.0);
+    d["purity"] = orNone(r.dominant.has_value(), r.dominant ? r.dominant->purity : 0.0);
+    if (r.cri) {
+        py::dict cri;
+        cri["Ra"] = r.cri->ra;
+        cri["R"] = List(r.cri->r.data(), r.cri->r.size());
+        d["CRI"] = cri;
+    } else {
+        d["CRI"] = py::none();
+    }
+    d["Lab"] = r.lab ? py::object(List(r.lab->data(), 3)) : py::object(py::none());
+    d["sRGB_linear"] = List(r.linear.data(), 3);
+    d["sRGB"] = List(r.srgb.value.data(), 3);
+    d["hex"] = r.srgb.hex;
+    d["sRGB_clipped"] = r.srgb.clipped;
+    return d;
+}
+
+// The session's observer for the length of one call, restored whatever happens.
+class ObserverFor {
+public:
+    ObserverFor(Session& s, int degrees) : session_(s), before_(s.ObserverDegrees()) {
+        s.SetObserver(degrees);
+    }
+    ~ObserverFor() {
+        try {
+            session_.SetObserver(before_);
+        } catch (...) { // restoring a converter that was current cannot fail but for memory
+        }
+    }
+    ObserverFor(const ObserverFor&) = delete;
+    ObserverFor& operator=(const ObserverFor&) = delete;
+
+private:
+    Session& session_;
+    int before_;
+};
+
+py::object Analyze(const py::object& wavelengths, const py::object& values,
+                   const std::string& kindName, int observer, const py::object& illuminant) {
+    AnalyzeRequest request;
+    if (kindName == "reflectance" || kindName == "surface")
+        request.reflectance = true;
+    else if (kindName != "light")
+        throw py::value_error("kind must be \"light\" or \"reflectance\", not \"" + kindName +
+                              "\"");
+    const std::vector<double> nm = GridOf(wavelengths, "wavelengths");
+    if (nm.empty())
+        throw py::value_error("wavelengths must be a one-dimensional array of wavelengths in nm");
+    if (py::isinstance<py::str>(illuminant)) {
+        request.illuminant = illuminant.cast<std::string>();
+    } else {
+        request.illuminant = "given";
+        request.illuminantValues = GridOf(illuminant, "illuminant");
+        if (request.illuminantValues.size() != nm.size())
+            throw py::value_error("illuminant: " + std::to_string(request.illuminantValues.size()) +
+                                  " values for " + std::to_string(nm.size()) + " wavelengths");
+    }
+    Rows rows = AsRows(values, {static_cast<long>(nm.size())}, "analyzing spectra");
+    Session& session = Session::Get();
+    if (observer != 2 && observer != 10)
+        throw py::value_error("observer must be 2 (CIE 1931) or 10 (CIE 1964), not " +
+                              std::to_string(observer));
+    std::vector<SpectrumAnalysis> results;
+    {
+        ObserverFor chosen(session, observer);
+        results = AnalyzeSpectra(session, nm, rows.data.data(), rows.count, request);
+    }
+    if (rows.single)
+        return Record(results.front());
+    py::list out;
+    for (const SpectrumAnalysis& r : results)
+        out.append(Record(r));
+    return out;
+}
+
 // korvane.KorvaneError, with the library's report text and code.
 py::handle g_error;
 
@@ -237,6 +340,20 @@ PYBIND11_MODULE(_korvane, m) {
           "the registered models' grid); source_grid: the source's grid when it differs.\n"
           "Returns a new float64 array of the target's colours. Raises KorvaneError with the\n"
           "library's report text and code when a conversion fails.");
+    m.def("analyze", &Analyze, py::arg("wavelengths"), py::arg("values"), py::arg("kind") = "light",
+          py::arg("observer") = 2, py::arg("illuminant") = "D65",
+          "The colorimetry of sampled spectra, as the command-line tool's `analyze` reports it.\n\n"
+          "wavelengths: the grid in nm (finite, positive, increasing); values: one spectrum on\n"
+          "it (1-D: returns one dict) or one per row (2-D: returns a list of dicts). kind:\n"
+          "\"light\" or \"reflectance\" (under `illuminant`: \"D65\", \"D50\", \"A\", \"E\"\n"
+          "or its values on the wavelengths; ignored for light). observer: 2 (CIE 1931) or 10\n"
+          "(CIE 1964), for this call. Each dict has the keys of `korvane analyze --json`\n"
+          "spectra: name and file (None here), grid {first, last, count}, XYZ, xy, uv (CIE\n"
+          "1976 u'v'), luminance (683 Y), radiant (area under the spectrum), CCT and Duv\n"
+          "(Ohno 2013; None farther than 0.05 from the Planckian locus), dominant_wavelength\n"
+          "and purity (against E; negative: complementary), CRI {Ra, R: [R1..R14]} (light) or\n"
+          "None, Lab (reflectances) or None, sRGB_linear, sRGB (encoded, clipped to 0..1),\n"
+          "hex and sRGB_clipped.");
     m.def("save_holder", &SaveHolderFile, py::arg("path"), py::arg("values"), py::arg("model"),
           py::arg("kind") = "light", py::arg("grid") = py::none(), py::arg("format") = "binary",
           "Writes one colour of `model` in a holder of the model to a plug file, in the binary\n"
