@@ -1,6 +1,6 @@
 #include "cli/PluginSession.h"
 
-#include <filesystem>
+#include "hostkit/plugsys/PluginLocation.h"
 
 namespace Korvane::Cli {
 
@@ -8,12 +8,10 @@ PluginSession::PluginSession(const std::string& path) : path_(path.empty() ? Def
     loader_.Load(path_.c_str());
 }
 
+// The host kit's default: KORVANE_PLUGIN, else the plug-in beside the host kit library, which is
+// where the build and the install put it.
 std::string PluginSession::DefaultPath() {
-    namespace fs = std::filesystem;
-    std::error_code ec;
-    fs::path self = fs::read_symlink("/proc/self/exe", ec);
-    const fs::path dir = ec ? fs::current_path() : self.parent_path();
-    return (dir / KORVANE_PLUGIN_FILE).string();
+    return DefaultPluginPath();
 }
 
 } // namespace Korvane::Cli

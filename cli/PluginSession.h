@@ -1,6 +1,6 @@
 // PluginSession: the tool's hold on the colour-model plug-in for one run. It loads the module
-// (by default the one beside the executable), lets it register its classes, and unloads it when
-// the session ends.
+// (by default Korvane::DefaultPluginPath(): beside the host kit), lets it register its classes, and
+// unloads it when the session ends.
 #pragma once
 
 #include "hostkit/plugsys/PluginLoader.h"
@@ -11,7 +11,7 @@ namespace Korvane::Cli {
 
 class PluginSession {
 public:
-    // Loads `path`, or the plug-in beside the executable when `path` is empty.
+    // Loads `path`, or DefaultPath() when `path` is empty.
     explicit PluginSession(const std::string& path);
     ~PluginSession() { loader_.Unload(); }
     PluginSession(const PluginSession&) = delete;
@@ -22,7 +22,7 @@ public:
     const std::string& Path() const { return path_; }
     int Version() const { return loader_.VersionId(); }
 
-    // The plug-in file beside the running executable.
+    // The host kit's default plug-in path (KORVANE_PLUGIN, else beside the host kit).
     static std::string DefaultPath();
 
 private:

@@ -2,6 +2,7 @@
 # Installs the Debian packages the build needs, when any is missing.
 set -euo pipefail
 packages=(cmake g++ make libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev)
+packages+=(pkgconf doxygen python3) # the install check, the API reference, the guide check
 # The Python module (for /usr/bin/python3) and its tutorial's figure.
 packages+=(python3-dev pybind11-dev python3-numpy python3-pytest python3-matplotlib)
 missing=()

@@ -2,6 +2,7 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <deque>
 #include <mutex>
 
 namespace Korvane {
@@ -24,7 +25,9 @@ class DefaultUser final : public IUser {};
 
 struct ReportState {
     std::mutex mutex;
-    std::vector<Report> log;
+    std::deque<Report> log; // the last `capacity` reports
+    std::size_t capacity = ReportLog::kDefaultReportLogCapacity;
+    unsigned long long dropped = 0;
     unsigned long long next = 1;
     IReportSink* sink = nullptr;
     IUser* user = nullptr;
@@ -65,7 +68,15 @@ void IUser::Emit(ReportKind kind, std::string text) {
     {
         std::lock_guard<std::mutex> lock(st.mutex);
         report = Report{kind, std::move(text), st.next++};
-        st.log.push_back(report);
+        if (st.capacity == 0) {
+            ++st.dropped;
+        } else {
+            if (st.log.size() == st.capacity) {
+                st.log.pop_front();
+                ++st.dropped;
+            }
+            st.log.push_back(report);
+        }
         sink = st.sink ? st.sink : &DefaultSink();
     }
     sink->Receive(report);
@@ -136,7 +147,7 @@ namespace ReportLog {
 std::vector<Report> Entries() {
     ReportState& st = State();
     std::lock_guard<std::mutex> lock(st.mutex);
-    return st.log;
+    return std::vector<Report>(st.log.begin(), st.log.end());
 }
 std::size_t Count() {
     ReportState& st = State();
@@ -147,6 +158,26 @@ void Clear() {
     ReportState& st = State();
     std::lock_guard<std::mutex> lock(st.mutex);
     st.log.clear();
+    st.dropped = 0;
+}
+unsigned long long Dropped() {
+    ReportState& st = State();
+    std::lock_guard<std::mutex> lock(st.mutex);
+    return st.dropped;
+}
+void SetCapacity(std::size_t n) {
+    ReportState& st = State();
+    std::lock_guard<std::mutex> lock(st.mutex);
+    st.capacity = n;
+    while (st.log.size() > n) {
+        st.log.pop_front();
+        ++st.dropped;
+    }
+}
+std::size_t Capacity() {
+    ReportState& st = State();
+    std::lock_guard<std::mutex> lock(st.mutex);
+    return st.capacity;
 }
 } // namespace ReportLog
 

@@ -56,11 +56,28 @@ KOR_HOST_API void SetUser(IUser* user);
 KOR_HOST_API void SetReportSink(IReportSink* sink);
 KOR_HOST_API IReportSink* SilentSink();
 
-// The report log. Reading returns a copy; clearing starts a fresh log.
+// The report log: the most recent reports, oldest first.
+//
+// The log is bounded: it keeps the last Capacity() reports (kDefaultReportLogCapacity unless a
+// program sets another) and counts the older ones it dropped, so a host that fails millions of
+// conversions keeps a log of constant size. Every report still reaches the sink, and sequence
+// numbers keep counting through drops.
 namespace ReportLog {
+// How many reports the log keeps unless SetCapacity says otherwise.
+inline constexpr std::size_t kDefaultReportLogCapacity = 1000;
+// A copy of the kept reports, oldest first: at most Capacity() of them. When Dropped() is not 0,
+// older reports were made and are no longer kept.
 KOR_HOST_API std::vector<Report> Entries();
+// The number of reports kept (at most Capacity()).
 KOR_HOST_API std::size_t Count();
+// The number of reports dropped, oldest first, to stay within the capacity since the last Clear.
+KOR_HOST_API unsigned long long Dropped();
+// Empties the log and sets Dropped() to 0; the capacity stays.
 KOR_HOST_API void Clear();
+// Keeps at most `n` reports from now on (0 keeps none; every report is then dropped and
+// counted). Shrinking drops the oldest kept reports and counts them.
+KOR_HOST_API void SetCapacity(std::size_t n);
+KOR_HOST_API std::size_t Capacity();
 } // namespace ReportLog
 
 } // namespace Korvane

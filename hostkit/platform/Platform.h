@@ -13,6 +13,10 @@ void* OpenLibrary(const char* path, std::string& error);
 void* FindSymbol(void* library, const char* name);
 void CloseLibrary(void* library);
 
+// The file of the loaded module (shared library or executable) that contains `address`; empty
+// when the platform cannot tell.
+std::string ModulePathOf(const void* address);
+
 void* AlignedAlloc(std::size_t bytes, std::size_t alignment);
 void AlignedRelease(void* p);
 

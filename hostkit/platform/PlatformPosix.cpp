@@ -22,6 +22,13 @@ void CloseLibrary(void* library) {
     dlclose(library);
 }
 
+std::string ModulePathOf(const void* address) {
+    Dl_info info{};
+    if (dladdr(address, &info) == 0 || !info.dli_fname)
+        return std::string();
+    return info.dli_fname;
+}
+
 void* AlignedAlloc(std::size_t bytes, std::size_t alignment) {
     void* p = nullptr;
     if (posix_memalign(&p, alignment, bytes == 0 ? alignment : bytes) != 0)

@@ -130,3 +130,46 @@ TEST(Translations, LookupCountTellsUnderWhichContextATextWasAsked) {
     Translations::Clear();
     EXPECT_EQ(Translations::LookupCount("ReportTest::A", text), 0);
 }
+
+TEST(Reports, LogKeepsTheLastReportsAndCountsTheDropped) {
+    struct CapacityGuard {
+        ~CapacityGuard() { ReportLog::SetCapacity(ReportLog::kDefaultReportLogCapacity); }
+    } guard;
+    EXPECT_EQ(ReportLog::Capacity(), 1000u);
+    for (int i = 0; i < 1005; ++i)
+        User()->LogMessage("report %d", i);
+    std::vector<Report> log = ReportLog::Entries();
+    ASSERT_EQ(log.size(), 1000u);
+    EXPECT_EQ(ReportLog::Dropped(), 5u);
+    EXPECT_EQ(log.front().text, "report 5");
+    EXPECT_EQ(log.back().text, "report 1004");
+    EXPECT_EQ(log.back().sequence - log.front().sequence, 999u);
+
+    // Shrinking drops the oldest kept reports and counts them.
+    ReportLog::SetCapacity(3);
+    log = ReportLog::Entries();
+    ASSERT_EQ(log.size(), 3u);
+    EXPECT_EQ(log[0].text, "report 1002");
+    EXPECT_EQ(ReportLog::Dropped(), 1002u);
+    User()->ErrorNoMemory(-1);
+    log = ReportLog::Entries();
+    EXPECT_EQ(log[0].text, "report 1003");
+    EXPECT_EQ(log[2].kind, ReportKind::NoMemory);
+    EXPECT_EQ(ReportLog::Dropped(), 1003u);
+
+    // Capacity 0 keeps nothing but still counts, and the sink still hears every report.
+    struct Counting final : IReportSink {
+        int heard = 0;
+        void Receive(const Report&) override { ++heard; }
+    } counting;
+    SinkGuard sink(&counting);
+    ReportLog::SetCapacity(0);
+    User()->InternalError("x");
+    EXPECT_EQ(ReportLog::Count(), 0u);
+    EXPECT_EQ(ReportLog::Dropped(), 1007u);
+    EXPECT_EQ(counting.heard, 1);
+
+    ReportLog::Clear();
+    EXPECT_EQ(ReportLog::Dropped(), 0u);
+    EXPECT_EQ(ReportLog::Capacity(), 0u) << "Clear keeps the capacity";
+}

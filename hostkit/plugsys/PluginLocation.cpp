@@ -1,0 +1,41 @@
+#include "hostkit/plugsys/PluginLocation.h"
+
+#include "hostkit/platform/Platform.h"
+
+#include <cstdlib>
+
+#ifndef KORVANE_PLUGIN_FILE_NAME
+#error "the build defines KORVANE_PLUGIN_FILE_NAME, the plug-in's file name"
+#endif
+
+namespace Korvane {
+namespace {
+// Any address inside this library names it.
+const char kAnchor = 0;
+} // namespace
+
+const char* PluginFileName() {
+    return KORVANE_PLUGIN_FILE_NAME;
+}
+
+std::string HostKitFolder() {
+    const std::string self = Platform::ModulePathOf(&kAnchor);
+    const std::size_t cut = self.find_last_of("/\\");
+    return cut == std::string::npos ? std::string() : self.substr(0, cut);
+}
+
+std::string DefaultPluginPath() {
+    const char* chosen = std::getenv(kPluginPathVariable);
+    if (chosen && *chosen)
+        return chosen;
+    const std::string folder = HostKitFolder();
+    if (folder.empty())
+        return PluginFileName();
+#if defined(_WIN32)
+    return folder + "\\" + PluginFileName();
+#else
+    return folder + "/" + PluginFileName();
+#endif
+}
+
+} // namespace Korvane
