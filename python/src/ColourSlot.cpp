@@ -1,7 +1,9 @@
 #include "python/src/ColourSlot.h"
 
 #include "python/src/Reports.h"
+#include "python/src/Session.h"
 
+#include "hostkit/colormodel/SpectralSizing.h"
 #include "plugin/models/ColourAccess.h"
 
 #include <stdexcept>
@@ -17,23 +19,12 @@ bool IsStokes(const ColorModel& m) {
     return m.HasPolarization();
 }
 
-// The spectral colour behind an interface, for its distribution; Pol is the model's policy.
+// The spectral colour behind an interface, for the count of its distribution; Pol is the model's
+// policy. (Reading a count needs the plug-in's colour layout; sizing goes through the holder's
+// type, SizeSpectralColour.)
 template <class Pol, class I>
 auto& SpectralValue(I& colour) {
     return ColourAccess::Value<SpectralModel<Pol>>(colour);
-}
-
-template <class Pol>
-int SizeSpectral(Kind kind, void* colour, int n) {
-    switch (kind) {
-    case Kind::Light:
-        return SpectralValue<Pol>(*static_cast<ILgtColor*>(colour)).Distr().SetLength(n);
-    case Kind::Surface:
-        return SpectralValue<Pol>(*static_cast<ISurfColor*>(colour)).Distr().SetLength(n);
-    case Kind::Scalar:
-        break;
-    }
-    return SpectralValue<Pol>(*static_cast<IScalarColor*>(colour)).Distr().SetLength(n);
 }
 
 template <class Pol>
@@ -122,12 +113,11 @@ ColourSlot::ColourSlot(const ColorModel& model, Kind kind) : model_(&model), kin
                                model.Name(),
                            "the model made no holder", -1, {});
     if (model.GetModelCode() & kSpectralBit) {
-        const int n = model.NWaves();
-        const int status = IsStokes(model) ? SizeSpectral<StokesPolarization>(kind, colour, n)
-                                           : SizeSpectral<Unpolarized>(kind, colour, n);
+        const unsigned long long mark = Session::Reports().Mark();
+        const int status = SizeSpectralColour(*holder_.Get(), model);
         if (status != 0)
-            throw LibraryError(std::string("sizing a spectral ") + KindWord(kind) + " colour",
-                               "out of memory for " + std::to_string(n) + " samples", status, {});
+            ThrowFailure(Session::Reports(), mark,
+                         std::string("sizing a spectral ") + KindWord(kind) + " colour", status);
     }
 }
 

@@ -9,8 +9,8 @@
 //   spectral on n:  light (n,) (Stokes: (n, 4)), surface (n,) (Stokes: (n, 4, 4)), scalar (n,)
 // XYZ and xyY colours are the triples (X, Y, Z) and (x, y, Y).
 //
-// Spectral colours start empty; a slot sizes its colour to the model's grid with the
-// distribution's SetLength, as a host does, before any value goes in.
+// Spectral colours start empty; a slot sizes its colour to the model's grid (the host kit's
+// SizeSpectralColour, through the holder's own type) before any value goes in.
 #pragma once
 
 #include "hostkit/colormodel/ColorModel.h"

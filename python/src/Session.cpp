@@ -1,12 +1,10 @@
 #include "python/src/Session.h"
 
-#include "hostkit/base/BinarySerializer.h"
 #include "hostkit/colormodel/ColorModelType.h"
+#include "hostkit/colormodel/GridModel.h"
+#include "hostkit/colormodel/ObserverChoice.h"
+#include "hostkit/plugsys/PluginLocation.h"
 
-#include <dlfcn.h>
-
-#include <cmath>
-#include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
 
@@ -17,26 +15,6 @@ namespace {
 // unloads it from an atexit handler, while the interpreter and the host kit are still whole.
 Session* g_session = nullptr;
 
-// This extension module's own folder.
-std::filesystem::path ModuleFolder() {
-    Dl_info info{};
-    if (dladdr(reinterpret_cast<void*>(&ModuleFolder), &info) == 0 || !info.dli_fname)
-        return std::filesystem::current_path();
-    return std::filesystem::path(info.dli_fname).parent_path();
-}
-
-// The flag a stored grid carries: no two consecutive steps differ by more than
-// (d + dprev) * 1.192092896e-7, the rule by which the spectral model calls a grid equidistant.
-bool Equidistant(const std::vector<double>& grid) {
-    constexpr double kRelative = 1.192092896e-7;
-    for (std::size_t i = 2; i < grid.size(); ++i) {
-        const double d = grid[i] - grid[i - 1], prev = grid[i - 1] - grid[i - 2];
-        if (std::fabs(d - prev) > (d + prev) * kRelative)
-            return false;
-    }
-    return true;
-}
-
 } // namespace
 
 ReportCollector& Session::Reports() {
@@ -45,18 +23,7 @@ ReportCollector& Session::Reports() {
 }
 
 std::string Session::DefaultPluginPath() {
-    namespace fs = std::filesystem;
-    if (const char* env = std::getenv("KORVANE_PLUGIN"); env && *env)
-        return env;
-    const fs::path here = ModuleFolder();
-    const fs::path build = (here / KORVANE_PY_PLUGIN_BUILD_DIR / KORVANE_PY_PLUGIN_FILE);
-    const fs::path installed = (here / KORVANE_PY_PLUGIN_INSTALL_DIR / KORVANE_PY_PLUGIN_FILE);
-    std::error_code ec;
-    if (fs::exists(build, ec))
-        return build.lexically_normal().string();
-    if (fs::exists(installed, ec))
-        return installed.lexically_normal().string();
-    return build.lexically_normal().string();
+    return std::filesystem::path(Korvane::DefaultPluginPath()).lexically_normal().string();
 }
 
 bool Session::IsLoaded() {
@@ -104,10 +71,8 @@ void Session::Unload() {
 
 Session::~Session() {
     DropGridModels(); // released while the plug-in's code is still loaded
-    if (converter_.Get() && TColorModel)
-        TColorModel->SetCIEConvAllForAll(CIEConvAll::Default());
+    ReleaseObserver();
     loader_.Unload();
-    converter_ = nullptr;
 }
 
 std::vector<std::string> Session::Models() const {
@@ -123,18 +88,12 @@ void Session::SetObserver(int degrees) {
                                     std::to_string(degrees));
     if (degrees == observer_)
         return;
+    const unsigned long long mark = Reports().Mark();
+    const int status =
+        UseObserver(degrees == 10 ? Observer::CIE1964_10deg : Observer::CIE1931_2deg);
+    if (status != 0)
+        ThrowFailure(Reports(), mark, "choosing the observer", status);
     DropGridModels();
-    if (degrees == 2) {
-        TColorModel->SetCIEConvAllForAll(CIEConvAll::Default());
-        converter_ = nullptr;
-    } else {
-        const unsigned long long mark = Reports().Mark();
-        TPlugRef<CIEConvAll> conv = CIEConvAll::Create(Observer::CIE1964_10deg);
-        if (!conv.Get())
-            ThrowFailure(Reports(), mark, "making the CIE 1964 converter", kNoMemoryCode);
-        TColorModel->SetCIEConvAllForAll(conv.Get());
-        converter_ = conv;
-    }
     observer_ = degrees;
 }
 
@@ -167,34 +126,10 @@ const ColorModel& Session::GridModel(const std::string& ident, const std::vector
     if (auto it = gridModels_.find(key); it != gridModels_.end())
         return *static_cast<const ColorModel*>(it->second.Get());
 
-    PlugType* type = PlugType::Find(ident.c_str());
-    if (!type)
-        throw std::invalid_argument("the plug-in registered no model type \"" + ident + "\"");
-    // The grid as a stored model holds it: group "Wavelengths" (count, values), "EquiDistant".
-    BinarySerializer writer;
-    writer.OpenGroup("Wavelengths");
-    auto n = static_cast<std::int32_t>(grid.size());
-    writer.SerializeCount(n, 1);
-    std::vector<double> waves = grid;
-    writer.Serialize(waves.data(), n);
-    writer.CloseGroup();
-    bool equidistant = Equidistant(grid);
-    writer.Serialize("EquiDistant", equidistant, false);
-    writer.Finish();
-
-    const unsigned long long mark = Reports().Mark();
-    BinarySerializer reader(writer.Bytes());
-    PlugRef model = type->NewInstance();
+    std::string error;
+    PlugRef model = MakeSpectralModel(ident.c_str(), grid, error);
     if (!model)
-        ThrowFailure(Reports(), mark, "making a " + ident + " model", kNoMemoryCode);
-    const int status = type->SerializeInstance(model.Get(), reader);
-    reader.Finish();
-    if (reader.Failed())
-        throw LibraryError("making a " + ident + " model on the given grid", reader.Error(),
-                           status != 0 ? status : -1, {});
-    if (status != 0)
-        ThrowFailure(Reports(), mark, "making a " + ident + " model on the given grid", status);
-    model.Get()->OnLoad(BinarySerializer::kVersion);
+        throw LibraryError("making a " + ident + " model on the given grid", error, -1, {});
     if (gridModels_.size() >= kGridModels)
         gridModels_.erase(gridModels_.begin());
     auto& kept = gridModels_[key];

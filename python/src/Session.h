@@ -11,8 +11,8 @@
 
 #include "python/src/Reports.h"
 
-#include "hostkit/cie/CIEConvAll.h"
 #include "hostkit/colormodel/ColorModel.h"
+#include "hostkit/plugsys/PlugRef.h"
 #include "hostkit/plugsys/PluginLoader.h"
 
 #include <map>
@@ -33,9 +33,9 @@ public:
     // Unloads the plug-in, when one is loaded.
     static void Unload();
     static bool IsLoaded();
-    // Where the module looks when no path is given, in order: the file named by the environment
-    // variable KORVANE_PLUGIN, then the plug-in beside this module in the build tree, then the
-    // installed one. The first that exists; the build-tree path when none does.
+    // Where the module looks when no path is given: the host kit's default, the file named by the
+    // environment variable KORVANE_PLUGIN, else the plug-in in the folder of the host kit library
+    // that this module links (the build tree's bin/, or the install's library folder).
     static std::string DefaultPluginPath();
     // The report sink, alive for the whole process (it is the host's sink while loaded).
     static ReportCollector& Reports();
@@ -47,16 +47,16 @@ public:
 
     // 2 (CIE 1931) or 10 (CIE 1964): the observer of the host's current converter.
     int ObserverDegrees() const { return observer_; }
-    // Makes a converter for that observer the host's current one for every model (2 restores the
-    // built-in converter). Spectral models made on grids are dropped: they are made again under
-    // the new converter when next asked for.
+    // Makes a converter for that observer the host's current one for every model (UseObserver;
+    // 2 restores the built-in converter). Spectral models made on grids are dropped: they are
+    // made again under the new converter when next asked for.
     void SetObserver(int degrees);
 
     // The registered model with identifier `ident` ("URGB", "USpectr", "XYZ", ...); for the two
     // spectral identifiers with a non-empty `grid`, a spectral model on that grid, made as a host
-    // makes one (its type reads the grid from an archive, OnLoad builds its tables) and kept for
-    // the next call. Throws std::invalid_argument for an unknown identifier or a grid given for a
-    // model that has none, LibraryError when the model refuses the grid.
+    // makes one (MakeSpectralModel: its type reads the grid, OnLoad builds its tables) and kept
+    // for the next call. Throws std::invalid_argument for an unknown identifier or a grid given for
+    // a model that has none, LibraryError when the model refuses the grid.
     const ColorModel& Model(const std::string& ident, const std::vector<double>& grid = {});
 
     // The longest grid a model is made on. Making a model costs time growing with the square of
@@ -74,7 +74,6 @@ private:
     PluginLoader loader_;
     std::string path_;
     int observer_ = 2;
-    TPlugRef<CIEConvAll> converter_; // the current converter when not the built-in one
     // Spectral models on grids, by identifier and grid; at most kGridModels are kept.
     static constexpr std::size_t kGridModels = 16;
     std::map<std::pair<std::string, std::vector<double>>, PlugRef> gridModels_;
