@@ -333,7 +333,7 @@ PYBIND11_MODULE(_korvane, m) {
           py::arg("source_grid") = py::none(),
           "Converts colours of the model `source` into the model `target`, one per row, through\n"
           "the target model's ConvertColor (light conversions end with its light clamp).\n\n"
-          "values: one colour, or many with a leading axis (see the README for the shapes:\n"
+          "values: one colour, or many with a leading axis (shapes in docs/python.md:\n"
           "(3,) for URGB, XYZ (X, Y, Z) and XYY (x, y, Y), (n,) for USpectr on n wavelengths,\n"
           "Stokes models with a trailing axis of 4 or (4, 4)). kind: \"light\", \"surface\" or\n"
           "\"scalar\". grid: wavelengths in nm of the spectral model on either side (default:\n"

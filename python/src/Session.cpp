@@ -37,7 +37,8 @@ Session& Session::Get() {
 Session& Session::Load(const std::string& path) {
     const std::string file = path.empty() ? DefaultPluginPath() : path;
     if (g_session) {
-        if (path.empty() || std::filesystem::equivalent(file, g_session->path_))
+        std::error_code ec; // a path that does not exist is not the one loaded
+        if (path.empty() || std::filesystem::equivalent(file, g_session->path_, ec))
             return *g_session;
         throw LibraryError(
             "loading " + file,

@@ -34,9 +34,10 @@ def test_unload_runs_term_classes_and_the_next_call_loads_again():
 def test_a_file_that_is_not_a_plugin_is_refused_with_the_loaders_report(tmp_path):
     bogus = tmp_path / "not-a-plugin.so"
     bogus.write_bytes(b"\x7fELF but not really")
-    with pytest.raises(korvane.KorvaneError, match="unload it first") as busy:
-        korvane.load(str(bogus))
-    assert busy.value.code == -1
+    for other in (bogus, tmp_path / "missing.so"):
+        with pytest.raises(korvane.KorvaneError, match="unload it first") as busy:
+            korvane.load(str(other))
+        assert busy.value.code == -1
     korvane.unload()
     with pytest.raises(korvane.KorvaneError) as refused:
         korvane.load(str(bogus))
