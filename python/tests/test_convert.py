@@ -114,9 +114,10 @@ def test_a_million_colours_convert_without_per_colour_python_overhead(rng):
     spectra = korvane.convert(rgb, "URGB", "USpectr")
     cpu = time.process_time() - start
     assert spectra.shape == (1_000_000, 33)
-    # About 0.6 s of CPU on the development machine (a Python object per colour would cost ten
-    # times that); CPU time, not wall time, because the test machines are shared. The bound
-    # leaves room for slower machines and debug builds.
+    # 0.2 s of CPU for the conversions on the development machine, 0.2 to 1.3 s with the first
+    # touch of the 264 MB result; a Python object per colour would cost several seconds more.
+    # CPU time, not wall time, because the test machines are shared; the bound leaves room for
+    # slower machines and debug builds.
     assert cpu < 5.0, f"{cpu:.2f} s of CPU for a million conversions"
     np.testing.assert_array_equal(spectra[123456], korvane.convert(rgb[123456], "URGB",
                                                                    "USpectr"))
