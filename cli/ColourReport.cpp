@@ -1,5 +1,7 @@
 #include "cli/ColourReport.h"
 
+#include "cli/Host.h"
+
 #include "hostkit/base/BinarySerializer.h"
 #include "hostkit/cie/CIEConvAll.h"
 #include "hostkit/colormodel/ColorModel.h"
@@ -29,56 +31,29 @@ private:
     TPlugRef<Holder<ILgtColor>> holder_;
 };
 
-// A spectral model over first..last in steps, made as a host makes one: its type reads a stored
-// grid ("Wavelengths", "EquiDistant") and OnLoad rebuilds weights and tables.
-PlugRef GridModel(const ReportOptions& o, std::ostream& err) {
-    PlugType* type = PlugType::Find("USpectr");
-    if (!type) {
-        err << "korvane: the plug-in registered no unpolarized spectral model type\n";
-        return PlugRef();
-    }
-    std::vector<double> waves;
-    for (int i = 0;; ++i) {
-        const double w = o.first + o.step * i;
-        if (w > o.last + o.step * 1e-9)
-            break;
-        waves.push_back(w);
-    }
-    BinarySerializer writer;
-    writer.OpenGroup("Wavelengths");
-    auto n = static_cast<std::int32_t>(waves.size());
-    writer.SerializeCount(n, 1);
-    writer.Serialize(waves.data(), n);
-    writer.CloseGroup();
-    bool equidistant = true;
-    writer.Serialize("EquiDistant", equidistant, false);
-    writer.Finish();
-
-    BinarySerializer reader(writer.Bytes());
-    PlugRef model = type->NewInstance();
-    if (!model) {
-        err << "korvane: out of memory making the spectral model\n";
-        return PlugRef();
-    }
-    type->SerializeInstance(model.Get(), reader);
-    reader.Finish();
-    if (reader.Failed()) {
-        err << "korvane: the grid " << o.first << ".." << o.last << " step " << o.step
-            << " is not a valid wavelength grid: " << reader.Error() << "\n";
-        return PlugRef();
-    }
-    model.Get()->OnLoad(BinarySerializer::kVersion);
-    return model;
-}
-
 std::string Fixed(double v, int decimals = 6) {
     char buf[64];
     std::snprintf(buf, sizeof buf, "%.*f", decimals, v);
     return buf;
 }
 
-std::string Triple(const TVect3<double>& v, const char* sep) {
-    return Fixed(v.x) + sep + Fixed(v.y) + sep + Fixed(v.z);
+// CSV, or columns aligned: names to the left, numbers to the right.
+void PrintRows(const std::vector<std::vector<std::string>>& rows, bool csv, std::ostream& out) {
+    std::vector<std::size_t> width(rows[0].size(), 0);
+    for (const auto& r : rows)
+        for (std::size_t k = 0; k < r.size(); ++k)
+            width[k] = std::max(width[k], r[k].size());
+    for (const auto& r : rows) {
+        for (std::size_t k = 0; k < r.size(); ++k) {
+            if (csv) {
+                out << (k ? "," : "") << r[k];
+                continue;
+            }
+            const std::string pad(width[k] - r[k].size(), ' ');
+            out << (k ? "  " : "") << (k ? pad + r[k] : r[k] + pad);
+        }
+        out << "\n";
+    }
 }
 
 void PrintSpectra(const ColorModel* spectral, const std::vector<NamedColour>& colours,
@@ -137,9 +112,7 @@ int RunReport(const ReportOptions& options, std::ostream& out, std::ostream& err
     PlugRef gridModel;
     const ColorModel* spectral = TColorModel->FindModel("USpectr");
     if (options.customGrid) {
-        gridModel = GridModel(options, err);
-        if (!gridModel)
-            return 1;
+        gridModel = SpectralModelOn(options.grid, false);
         spectral = static_cast<const ColorModel*>(gridModel.Get());
     }
     if (!rgb || !xyz || !xyy || !spectral) {
@@ -148,7 +121,6 @@ int RunReport(const ReportOptions& options, std::ostream& out, std::ostream& err
     }
 
     const MArray<double>& grid = spectral->GetWaveLengths();
-    const char* sep = options.csv ? "," : "  ";
     if (!options.csv) {
         out << "models:";
         for (const ColorModel* m : TColorModel->Models())
@@ -159,9 +131,10 @@ int RunReport(const ReportOptions& options, std::ostream& out, std::ostream& err
             << (options.observer == Observer::CIE1931_2deg ? "CIE 1931 2 deg" : "CIE 1964 10 deg")
             << "; reflectances under D65; RGB is linear sRGB\n\n";
     }
-    out << "colour" << sep << "R" << sep << "G" << sep << "B" << sep << "R'" << sep << "G'" << sep
-        << "B'" << sep << "X" << sep << "Y" << sep << "Z" << sep << "x" << sep << "y" << sep
-        << "luminance" << sep << "energy\n";
+    std::vector<std::vector<std::string>> rows;
+    rows.push_back({"colour", "R", "G", "B", "R'", "G'", "B'", "X", "Y", "Z", "x", "y",
+                    options.csv ? "luminance" : "luminance(683Y)",
+                    options.csv ? "energy" : "energy(area)"});
 
     std::vector<std::vector<double>> spectra;
     for (const NamedColour& c : colours) {
@@ -183,18 +156,25 @@ int RunReport(const ReportOptions& options, std::ostream& out, std::ostream& err
         TVect2<double> xy(0.0, 0.0);
         spectral->GetChromaticity(spectrum.Color(), luminance, xy);
         const TVect3<double> chroma = inXYY.Triple();
-        out << c.name << sep << Triple(c.rgb, sep) << sep << Triple(back.Triple(), sep) << sep
-            << Triple(inXYZ.Triple(), sep) << sep << Fixed(chroma.x) << sep << Fixed(chroma.y)
-            << sep << Fixed(luminance, 3) << sep << Fixed(spectral->LgtEnergy(spectrum.Color()), 4)
-            << "\n";
+        const TVect3<double> back3 = back.Triple(), xyz3 = inXYZ.Triple();
+        rows.push_back({c.name, Fixed(c.rgb.x), Fixed(c.rgb.y), Fixed(c.rgb.z), Fixed(back3.x),
+                        Fixed(back3.y), Fixed(back3.z), Fixed(xyz3.x), Fixed(xyz3.y), Fixed(xyz3.z),
+                        Fixed(chroma.x), Fixed(chroma.y), Fixed(luminance, 3),
+                        Fixed(spectral->LgtEnergy(spectrum.Color()), 4)});
         if (options.spectra) {
             std::vector<double> s(static_cast<std::size_t>(grid.Count()));
             spectral->LgtToArray(spectrum.Color(), s.data());
             spectra.push_back(std::move(s));
         }
     }
+    PrintRows(rows, options.csv, out);
     if (options.spectra)
         PrintSpectra(spectral, colours, spectra, options.csv, out);
+    if (!options.csv)
+        out << "\nR G B: linear sRGB in; R' G' B': back from the spectrum; luminance in lm per W "
+               "of "
+               "the spectrum's unit.\nNext: korvane analyze FILE (measured spectra), korvane "
+               "convert --help, korvane plot FILE -o OUT.svg\n";
     return 0;
 }
 

@@ -21,7 +21,7 @@ struct NamedColour {
 struct ReportOptions {
     std::vector<NamedColour> colours; // empty: DefaultColours()
     bool customGrid = false;          // false: the unpolarized spectral model's own grid
-    double first = 390.0, last = 710.0, step = 10.0;
+    std::vector<double> grid;         // the wavelengths of a custom grid (GridFromRange)
     Observer observer = Observer::CIE1931_2deg;
     bool csv = false;
     bool spectra = false;

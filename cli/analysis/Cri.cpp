@@ -18,29 +18,55 @@ struct Rendered {
     std::array<double, kTcsCount + 1> y, u, v;
 };
 
-bool Render(const std::vector<double>& nm, const std::vector<double>& source,
-            const std::vector<std::vector<double>>& samples, Rendered& out) {
-    const int n = static_cast<int>(nm.size());
-    Vec3 white{};
-    if (LightXYZ({nm.data(), source.data(), n}, white) != 0 || !(white[1] > 0.0))
-        return false;
-    std::vector<double> product(nm.size());
-    for (int i = 0; i <= kTcsCount; ++i) {
-        Vec3 xyz = white;
-        if (i < kTcsCount) {
-            const std::vector<double>& r = samples[static_cast<std::size_t>(i)];
-            for (std::size_t k = 0; k < nm.size(); ++k)
-                product[k] = source[k] * r[k];
-            if (LightXYZ({nm.data(), product.data(), n}, xyz) != 0)
-                return false;
+// `samples` holds the test colour samples on the grid wavelength-major: samples[k * kTcsCount + i]
+// is sample i at wavelength k, so that the sums of all samples advance together (independent
+// sums, each in wavelength order).
+bool Render(const std::vector<double>& weights, const std::vector<double>& source,
+            const std::vector<double>& samples, Rendered& out) {
+    constexpr std::size_t m = kTcsCount;
+    const std::size_t n = source.size();
+    double sum[3][m] = {};
+    Vec3 white{0.0, 0.0, 0.0};
+    for (std::size_t k = 0; k < n; ++k) {
+        const double* r = &samples[k * m];
+        for (std::size_t c = 0; c < 3; ++c) {
+            const double sw = source[k] * weights[3 * k + c];
+            white[c] += sw;
+            for (std::size_t i = 0; i < m; ++i)
+                sum[c][i] += r[i] * sw;
         }
+    }
+    if (!(white[1] > 0.0))
+        return false;
+    for (std::size_t i = 0; i <= m; ++i) {
+        const Vec3 xyz = i < m ? Vec3{sum[0][i], sum[1][i], sum[2][i]} : white;
         const Vec2 uv = Uv1960(xyz);
-        const auto j = static_cast<std::size_t>(i);
-        out.y[j] = 100.0 * xyz[1] / white[1];
-        out.u[j] = uv[0];
-        out.v[j] = uv[1];
+        out.y[i] = 100.0 * xyz[1] / white[1];
+        out.u[i] = uv[0];
+        out.v[i] = uv[1];
     }
     return true;
+}
+
+// The test colour samples on `nm` (wavelength-major, see Render), kept for the last grid the
+// calling thread asked for.
+const std::vector<double>& SamplesOn(const std::vector<double>& nm) {
+    thread_local std::vector<double> grid;
+    thread_local std::vector<double> samples;
+    if (nm == grid && !samples.empty())
+        return samples;
+    grid = nm;
+    samples.assign(nm.size() * kTcsCount, 0.0);
+    const SpectrumView tcsGrid{TcsWavelengths().data(), nullptr,
+                               static_cast<int>(TcsWavelengths().size())};
+    for (int i = 0; i < kTcsCount; ++i) {
+        SpectrumView tcs = tcsGrid;
+        tcs.values = TcsSample(i).data();
+        const std::vector<double> r = Resample(tcs, nm);
+        for (std::size_t k = 0; k < nm.size(); ++k)
+            samples[k * kTcsCount + static_cast<std::size_t>(i)] = r[k];
+    }
+    return samples;
 }
 
 double C(double u, double v) {
@@ -76,16 +102,11 @@ std::optional<ColourRendering> ColourRenderingIndex(const SpectrumView& light) {
         for (std::size_t i = 0; i < nm.size(); ++i)
             reference[i] = Planck(nm[i], cct->cct);
     }
-    std::vector<std::vector<double>> samples;
-    const SpectrumView tcsGrid{TcsWavelengths().data(), nullptr,
-                               static_cast<int>(TcsWavelengths().size())};
-    for (int i = 0; i < kTcsCount; ++i) {
-        SpectrumView tcs = tcsGrid;
-        tcs.values = TcsSample(i).data();
-        samples.push_back(Resample(tcs, nm));
-    }
+    const std::vector<double>& samples = SamplesOn(nm);
+    const std::vector<double>& weights = SpikeWeights(nm);
     Rendered k{}, r{};
-    if (!Render(nm, test, samples, k) || !Render(nm, reference, samples, r))
+    if (weights.empty() || !Render(weights, test, samples, k) ||
+        !Render(weights, reference, samples, r))
         return std::nullopt;
 
     constexpr std::size_t w = kTcsCount; // the sources' own entries

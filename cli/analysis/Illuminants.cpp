@@ -42,9 +42,14 @@ std::vector<double> Daylight(double cct, const std::vector<double>& nm, bool rou
         m1 = Round3(m1);
         m2 = Round3(m2);
     }
-    const std::vector<double> s0 = Tabulated(Dl::lambda, Dl::s0, Dl::kCount, nm);
-    const std::vector<double> s1 = Tabulated(Dl::lambda, Dl::s1, Dl::kCount, nm);
-    const std::vector<double> s2 = Tabulated(Dl::lambda, Dl::s2, Dl::kCount, nm);
+    // The components on the last grid the calling thread asked for.
+    thread_local std::vector<double> grid, s0, s1, s2;
+    if (nm != grid || s0.size() != nm.size()) {
+        grid = nm;
+        s0 = Tabulated(Dl::lambda, Dl::s0, Dl::kCount, nm);
+        s1 = Tabulated(Dl::lambda, Dl::s1, Dl::kCount, nm);
+        s2 = Tabulated(Dl::lambda, Dl::s2, Dl::kCount, nm);
+    }
     std::vector<double> out(nm.size());
     for (std::size_t i = 0; i < nm.size(); ++i)
         out[i] = s0[i] + m1 * s1[i] + m2 * s2[i];

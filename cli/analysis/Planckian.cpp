@@ -52,14 +52,19 @@ double Distance(const LocusPoint& p, const Vec2& uv) {
     return std::hypot(uv[0] - p.u, uv[1] - p.v);
 }
 
+double Distance2(const LocusPoint& p, const Vec2& uv) {
+    const double du = uv[0] - p.u, dv = uv[1] - p.v;
+    return du * du + dv * dv;
+}
+
 // Index of the table point nearest to uv: a coarse pass every 16 points, then the points around
 // the best coarse one (the distance to a point within kMaxDuv of the locus has one minimum).
 std::size_t Nearest(const std::vector<LocusPoint>& table, const Vec2& uv) {
     constexpr std::size_t kStride = 16;
     std::size_t best = 0;
-    double bestD = Distance(table[0], uv);
+    double bestD = Distance2(table[0], uv);
     for (std::size_t i = kStride; i < table.size(); i += kStride) {
-        const double d = Distance(table[i], uv);
+        const double d = Distance2(table[i], uv);
         if (d < bestD) {
             bestD = d;
             best = i;
@@ -68,7 +73,7 @@ std::size_t Nearest(const std::vector<LocusPoint>& table, const Vec2& uv) {
     const std::size_t lo = best > kStride ? best - kStride : 0;
     const std::size_t hi = std::min(table.size() - 1, best + kStride);
     for (std::size_t i = lo; i <= hi; ++i) {
-        const double d = Distance(table[i], uv);
+        const double d = Distance2(table[i], uv);
         if (d < bestD) {
             bestD = d;
             best = i;

@@ -51,6 +51,29 @@ int ReflectanceXYZ(const SpectrumView& r, const double* illuminant, Vec3& xyz, V
     return 0;
 }
 
+const std::vector<double>& SpikeWeights(const std::vector<double>& nm) {
+    thread_local std::vector<double> grid, weights;
+    thread_local const CIEConv* converter = nullptr;
+    if (nm == grid && converter == CIEConv::Current())
+        return weights;
+    grid = nm;
+    converter = CIEConv::Current();
+    weights.assign(3 * nm.size(), 0.0);
+    std::vector<double> spike(nm.size(), 0.0);
+    for (std::size_t k = 0; k < nm.size(); ++k) {
+        spike[k] = 1.0;
+        Vec3 xyz{};
+        if (LightXYZ({nm.data(), spike.data(), static_cast<int>(nm.size())}, xyz) != 0) {
+            weights.clear();
+            return weights;
+        }
+        spike[k] = 0.0;
+        for (std::size_t c = 0; c < 3; ++c)
+            weights[3 * k + c] = xyz[c];
+    }
+    return weights;
+}
+
 Vec3 LinearSrgb(const Vec3& xyz) {
     const TMatrix3& m = CIEConv::Current()->XYZ2RGB();
     Vec3 rgb{};

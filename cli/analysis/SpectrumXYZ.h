@@ -5,6 +5,8 @@
 
 #include "cli/analysis/Types.h"
 
+#include <vector>
+
 namespace Korvane::Analysis {
 
 // Light: X = integral s xbar dl, likewise Y, Z (no 683 factor). 0, or the converter's non-zero
@@ -16,6 +18,12 @@ int LightXYZ(const SpectrumView& s, Vec3& xyz);
 // `white` gets that reflector's XYZ. Non-zero when the converter fails or the illuminant has no
 // luminance on the grid.
 int ReflectanceXYZ(const SpectrumView& r, const double* illuminant, Vec3& xyz, Vec3& white);
+
+// The converter's XYZ of a unit spike at each wavelength of `nm` (the response of a spectrum
+// that is 1 at sample k and 0 at the others): 3 n values, k-major. spectrum2xyz is linear in the
+// samples, so XYZ of any s on this grid is sum_k s_k W_k, to rounding. Kept for the last grid seen
+// by the calling thread (and the current converter); empty when the converter refuses the grid.
+const std::vector<double>& SpikeWeights(const std::vector<double>& nm);
 
 // The current converter's linear RGB (sRGB primaries, D65 white) of an XYZ: M xyz.
 Vec3 LinearSrgb(const Vec3& xyz);

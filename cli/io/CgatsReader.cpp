@@ -11,12 +11,13 @@
 
 #include <cmath>
 #include <map>
+#include <string_view>
 
 namespace Korvane::SpectrumIO {
 namespace {
 
 struct Token {
-    std::string text;
+    std::string_view text; // into the line being read
     long column;
     bool quoted;
 };
@@ -40,13 +41,14 @@ bool Tokens(const std::string& line, std::vector<Token>& out, long& badColumn) {
                 badColumn = static_cast<long>(b) + 1;
                 return false;
             }
-            out.push_back({line.substr(b + 1, e - b - 1), static_cast<long>(b) + 1, true});
+            out.push_back(
+                {std::string_view(line).substr(b + 1, e - b - 1), static_cast<long>(b) + 1, true});
             i = e + 1;
             continue;
         }
         while (i < line.size() && line[i] != ' ' && line[i] != '\t')
             ++i;
-        out.push_back({line.substr(b, i - b), static_cast<long>(b) + 1, false});
+        out.push_back({std::string_view(line).substr(b, i - b), static_cast<long>(b) + 1, false});
     }
     return true;
 }
@@ -91,7 +93,7 @@ bool ReadCgats(LineReader& lines, const std::string& first, const std::string& f
         if (tokens[0].text == "KEYWORD")
             continue;
         if (tokens.size() >= 2 && keywords.size() < 10000)
-            keywords[tokens[0].text] = tokens[1].text;
+            keywords[std::string(tokens[0].text)] = std::string(tokens[1].text);
     }
 
     // Field names up to END_DATA_FORMAT.
@@ -103,7 +105,7 @@ bool ReadCgats(LineReader& lines, const std::string& first, const std::string& f
             formatDone = true;
             break;
         }
-        fields.push_back(tokens[t].text);
+        fields.push_back(std::string(tokens[t].text));
     }
     while (!formatDone) {
         if (!lines.Next(line))
@@ -120,7 +122,7 @@ bool ReadCgats(LineReader& lines, const std::string& first, const std::string& f
             if (fields.size() >= static_cast<std::size_t>(kMaxPoints) + 16)
                 return lines.Fail(t.column,
                                   "more than " + std::to_string(kMaxPoints) + " spectral fields");
-            fields.push_back(t.text);
+            fields.push_back(std::string(t.text));
         }
     }
     const long formatLine = lines.LineNumber();
@@ -207,12 +209,12 @@ bool ReadCgats(LineReader& lines, const std::string& first, const std::string& f
                 return true;
             }
             if (static_cast<long>(field) == nameField)
-                name = t.text;
+                name = std::string(t.text);
             if (isSpectral[field]) {
                 double v = 0.0;
                 if (t.quoted || !ParseFinite(t.text, v))
                     return lines.Fail(t.column, "expected a finite number for " + fields[field] +
-                                                    ", found " + Quote(t.text));
+                                                    ", found " + Quote(std::string(t.text)));
                 s.values.push_back(v / norm);
             }
             if (++field == fields.size()) {

@@ -14,27 +14,45 @@ std::string ReadError::Text() const {
     return t + ": " + message;
 }
 
+bool LineReader::Fill() {
+    constexpr std::size_t kChunk = 1 << 16;
+    buf_.erase(0, pos_);
+    pos_ = 0;
+    const std::size_t old = buf_.size();
+    buf_.resize(old + kChunk);
+    const std::streamsize got =
+        in_.rdbuf()->sgetn(&buf_[old], static_cast<std::streamsize>(kChunk));
+    buf_.resize(old + static_cast<std::size_t>(got > 0 ? got : 0));
+    return got > 0;
+}
+
 bool LineReader::Next(std::string& line) {
     line.clear();
     if (failed_)
         return false;
-    std::streambuf* buf = in_.rdbuf();
-    bool any = false;
+    std::size_t scanned = pos_; // no line end in [pos_, scanned)
     for (;;) {
-        const int c = buf->sbumpc();
-        if (c == std::char_traits<char>::eof())
+        const std::size_t eol = buf_.find('\n', scanned);
+        if (eol != std::string::npos && eol - pos_ <= kMaxLineLength) {
+            line.assign(buf_, pos_, eol - pos_);
+            pos_ = eol + 1;
             break;
-        any = true;
-        if (c == '\n')
-            break;
-        if (line.size() >= kMaxLineLength) {
+        }
+        if (buf_.size() - pos_ > kMaxLineLength) {
             ++number_;
             return Fail(0, "line longer than " + std::to_string(kMaxLineLength) + " bytes");
         }
-        line.push_back(static_cast<char>(c));
+        scanned = buf_.size();
+        const std::size_t offset = scanned - pos_;
+        if (!Fill()) {
+            if (buf_.size() == pos_)
+                return false;
+            line.assign(buf_, pos_, std::string::npos); // last line without a line end
+            pos_ = buf_.size();
+            break;
+        }
+        scanned = pos_ + offset;
     }
-    if (!any)
-        return false;
     ++number_;
     if (number_ == 1 && line.compare(0, 3, "\xEF\xBB\xBF") == 0)
         line.erase(0, 3);
@@ -59,7 +77,7 @@ bool IsBlank(const std::string& s) {
     return true;
 }
 
-bool ParseFinite(const std::string& text, double& value) {
+bool ParseFinite(std::string_view text, double& value) {
     const char* first = text.data();
     const char* last = first + text.size();
     if (first != last && *first == '+')

@@ -6,6 +6,7 @@
 
 #include <istream>
 #include <string>
+#include <string_view>
 
 namespace Korvane::SpectrumIO {
 
@@ -13,6 +14,8 @@ class LineReader {
 public:
     LineReader(std::istream& in, const std::string& file, ReadError& error)
         : in_(in), file_(file), error_(error) {}
+    LineReader(const LineReader&) = delete;
+    LineReader& operator=(const LineReader&) = delete;
 
     // The next line into `line`: true; false at the end of the input or on an error (Failed()).
     bool Next(std::string& line);
@@ -23,7 +26,11 @@ public:
     bool Fail(long column, const std::string& message);
 
 private:
+    bool Fill(); // more input into buf_; false at the end
+
     std::istream& in_;
+    std::string buf_; // read ahead; [pos_, buf_.size()) not yet consumed
+    std::size_t pos_ = 0;
     const std::string& file_;
     ReadError& error_;
     long number_ = 0;
@@ -33,7 +40,7 @@ private:
 // Splits helpers shared by both formats.
 bool IsBlank(const std::string& s);
 // A finite double taking the whole of `text`; false otherwise.
-bool ParseFinite(const std::string& text, double& value);
+bool ParseFinite(std::string_view text, double& value);
 // Shortest round-trip text of a double.
 std::string Shortest(double v);
 // Text for messages: at most 40 bytes of `s`, quoted.

@@ -1,0 +1,74 @@
+// What the tool does as a host of the colour-model plug-in: finds registered models, makes
+// spectral models on a grid the way a host makes one (a stored grid read through the model's
+// type), and keeps colours of any model and kind in that model's holders, sized for spectral
+// models by the host itself (a spectral holder may start empty; the host gives its distribution
+// the model's length before writing values).
+#pragma once
+
+#include "hostkit/colormodel/ColorModel.h"
+#include "hostkit/plugsys/PlugRef.h"
+
+#include <string>
+#include <vector>
+
+namespace Korvane::Cli {
+
+// Largest grid the tool gives a spectral model. Loading a grid into a model costs time growing
+// with the square of its length (about a second at 4,000 points on a slow core), so the tool
+// refuses longer grids rather than appear to hang.
+inline constexpr int kMaxGridPoints = 4001;
+
+// first, first + step, ..., last: all finite, first > 0, step > 0, last >= first, and at most
+// kMaxGridPoints points; otherwise a usage error naming `option`.
+std::vector<double> GridFromRange(double first, double last, double step,
+                                  const std::string& option);
+// A grid from a file: at most kMaxGridPoints (a data error naming `what` otherwise).
+void CheckGridSize(std::size_t count, const std::string& what);
+
+// A registered model by identifier ("URGB", "XYZ", ...); a data error when the plug-in did not
+// register it.
+const ColorModel* RegisteredModel(const char* ident);
+
+// A new spectral model (unpolarized, or Stokes with `stokes`) on `nm`, made through its type from
+// a stored grid; a data error with the model's reason when the grid is refused.
+PlugRef SpectralModelOn(const std::vector<double>& nm, bool stokes);
+
+enum class Kind { Light, Surface, Scalar };
+const char* KindName(Kind kind);
+
+// One colour of a model and kind, in one of the model's holders.
+class HeldColour {
+public:
+    HeldColour(const ColorModel* model, Kind kind);
+    HeldColour(const HeldColour&) = delete;
+    HeldColour& operator=(const HeldColour&) = delete;
+
+    const ColorModel* Model() const { return model_; }
+    Kind GetKind() const { return kind_; }
+    Plug* HolderPlug() const { return holder_.Get(); }
+    // Doubles per colour of this model and kind (wavelengths x Stokes or Mueller size).
+    int ValueCount() const;
+    // Writes `values` (ValueCount() of them) through the model's Set...Color.
+    void Set(const std::vector<double>& values);
+    std::vector<double> Get() const;
+    // this = model's ConvertColor(from); the model's report code, or 0.
+    int ConvertFrom(const HeldColour& from);
+    // The light colour itself (Kind::Light only).
+    const ILgtColor& Light() const { return *static_cast<const ILgtColor*>(Interface()); }
+
+private:
+    void* Interface() const; // the colour interface of the holder, by kind
+    const ColorModel* model_;
+    Kind kind_;
+    PlugRef holder_;
+};
+
+// The values of the colour in a holder of `model` and `kind`. A spectral colour gives what its
+// distribution holds (its own length, which a loaded holder need not share with the model).
+std::vector<double> ValuesOf(const ColorModel* model, Kind kind, Plug* holder);
+
+// The report texts (errors) made since `mark` in the host's report log, joined by "; ".
+std::size_t ReportMark();
+std::string ReportsSince(std::size_t mark);
+
+} // namespace Korvane::Cli
