@@ -113,11 +113,13 @@ def tool_analyze(tmp_path, nm, spectra, *options):
 def test_the_same_numbers_as_the_command_line_tool(tmp_path, d65):
     nm, s = d65
     spectra = [s, illuminant_a(nm)]
-    for kind, options in (("light", ()), ("reflectance", ("--reflectance", "--illuminant", "A"))):
-        values = spectra if kind == "light" else [np.linspace(0.1, 0.9, nm.size)]
+    ramp = [np.linspace(0.1, 0.9, nm.size)]
+    for kind, illuminant, values in (("light", "D65", spectra), ("reflectance", "D65", ramp),
+                                     ("reflectance", "A", ramp)):
+        options = ("--reflectance", "--illuminant", illuminant) if kind == "reflectance" else ()
         expected = tool_analyze(tmp_path, nm, values, *options)
-        got = korvane.analyze(nm, np.vstack(values), kind=kind,
-                              illuminant="A" if kind == "reflectance" else "D65")
+        got = korvane.analyze(nm, np.vstack(values), kind=kind, illuminant=illuminant)
+        assert len(got) == len(expected)
         for tool_record, record in zip(expected, got):
             for key in KEYS[2:]:  # name and file describe the tool's input
                 assert record[key] == tool_record[key], key
