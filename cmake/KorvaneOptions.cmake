@@ -16,3 +16,8 @@ set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 # Put every binary and shared library in one folder so the tools find the plug-in beside them.
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+
+# The Python module (python/): AUTO builds it when pybind11, NumPy and the interpreter's
+# development files are found, ON requires them, OFF leaves it out.
+set(KORVANE_BUILD_PYTHON AUTO CACHE STRING "Build the Python module: AUTO, ON or OFF")
+set_property(CACHE KORVANE_BUILD_PYTHON PROPERTY STRINGS AUTO ON OFF)

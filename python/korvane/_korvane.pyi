@@ -1,0 +1,53 @@
+# Type hints of the extension module korvane._korvane. The helpers written in Python (grid,
+# rgb_to_spectrum, resample, Holder, load_holder) carry their own, in korvane/__init__.py.
+from typing import Any, Optional, Union
+
+import numpy as np
+import numpy.typing as npt
+
+ArrayLike = npt.ArrayLike
+Grid = Optional[ArrayLike]
+
+class KorvaneError(RuntimeError):
+    text: str
+    code: int
+    reports: list[str]
+    index: Optional[int]
+
+def load(plugin: str = "") -> None: ...
+def unload() -> None: ...
+def is_loaded() -> bool: ...
+def default_plugin_path() -> str: ...
+def plugin_path() -> str: ...
+def version() -> int: ...
+def models() -> list[str]: ...
+def observer() -> int: ...
+def set_observer(degrees: int) -> None: ...
+def default_grid() -> np.ndarray: ...
+def convert(
+    values: ArrayLike,
+    source: str,
+    target: str,
+    kind: str = "light",
+    grid: Grid = None,
+    *,
+    source_grid: Grid = None,
+) -> np.ndarray: ...
+def analyze(
+    wavelengths: ArrayLike,
+    values: ArrayLike,
+    kind: str = "light",
+    observer: int = 2,
+    illuminant: Union[str, ArrayLike] = "D65",
+) -> Union[dict[str, Any], list[dict[str, Any]]]: ...
+def save_holder(
+    path: str,
+    values: ArrayLike,
+    model: str,
+    kind: str = "light",
+    grid: Grid = None,
+    format: str = "binary",
+) -> None: ...
+def _load_holder(path: str) -> dict[str, Any]: ...
+def reports() -> list[tuple[str, str]]: ...
+def clear_reports() -> None: ...
