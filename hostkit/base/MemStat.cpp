@@ -66,6 +66,7 @@ void IArray::AddMemStat(std::size_t bytes, void* p, const char* tag) {
     TagSlot& c = Slot(tag);
     if (!p) {
         c.failed.fetch_add(1, std::memory_order_relaxed);
+        MemStats::RecordFailure();
         return;
     }
     const auto b = static_cast<long long>(bytes);
@@ -102,6 +103,17 @@ void ResetTotals(const char* tag) {
     c.bytesTotal.store(0);
     c.blocksTotal.store(0);
     c.failed.store(0);
+}
+
+namespace {
+thread_local long long tFailures = 0;
+} // namespace
+
+long long FailuresOnThisThread() {
+    return tFailures;
+}
+void RecordFailure() {
+    ++tFailures;
 }
 } // namespace MemStats
 
