@@ -11,6 +11,7 @@
 
 #include "hostkit/HostExport.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -49,6 +50,13 @@ public:
     // Writing: always true.
     virtual bool CanHold(std::int64_t elements, int valuesPerElement) = 0;
 
+    // Reading: whether `elements` objects of `bytesPerElement` bytes each may be allocated for
+    // what is read next. No read allocates more than kMaxReadExpansion times the bytes of input
+    // left, so a file of n bytes never costs much more than a few times n in memory, whatever it
+    // claims; a count above that fails the archive with a message. Writing: always true.
+    bool CanAllocate(std::int64_t elements, std::size_t bytesPerElement);
+    static constexpr std::int64_t kMaxReadExpansion = 4;
+
     // Marks the archive failed for lack of memory (non-virtual, as in the host).
     void SetAllocError();
     // Marks the archive failed because what was read is not acceptable to the object reading it
@@ -59,6 +67,8 @@ public:
     const std::string& Error() const { return error_; }
 
 protected:
+    // Reading: the bytes of input not read yet (-1 when the archive cannot tell).
+    virtual std::int64_t BytesLeft() const { return -1; }
     // Enters the failed state; the first message is kept.
     void Fail(const std::string& message);
     // Whether `elements` elements of `valuesPerElement` values (fewer than 1 counts as 1) fit in
