@@ -52,10 +52,11 @@ public:
 
     // Reading: whether `elements` objects of `bytesPerElement` bytes each may be allocated for
     // what is read next. No read allocates more than kMaxReadExpansion times the bytes of input
-    // left, so a file of n bytes never costs much more than a few times n in memory, whatever it
-    // claims; a count above that fails the archive with a message. Writing: always true.
+    // left; a count above that fails the archive with a message. The factor is the most that a
+    // file as the writer makes it can need: an array of empty spectral colours, 64 bytes of
+    // memory for each element that takes 4 or 5 bytes of input. Writing: always true.
     bool CanAllocate(std::int64_t elements, std::size_t bytesPerElement);
-    static constexpr std::int64_t kMaxReadExpansion = 4;
+    static constexpr std::int64_t kMaxReadExpansion = 16;
 
     // Marks the archive failed for lack of memory (non-virtual, as in the host).
     void SetAllocError();

@@ -1,5 +1,6 @@
 // Plug files that claim more than they hold: whatever a file says, reading it allocates no more
-// than a few times its size (Serializer::kMaxReadExpansion), counted by the memory statistics.
+// than Serializer::kMaxReadExpansion times its size, counted by the memory statistics (the text
+// archive let such a file allocate 40 to 64 times its size).
 #include "hostkit/base/ArchiveBytes.h"
 #include "hostkit/base/BinarySerializer.h"
 #include "hostkit/base/MemStat.h"
@@ -41,7 +42,7 @@ std::string ClaimingArchive(const char* ident, std::int32_t count, int padding) 
 
 } // namespace
 
-TEST_F(HostileArchive, ArrayHoldersThatOmitTheirColoursAllocateAFewTimesTheFileAtMost) {
+TEST_F(HostileArchive, ArrayHoldersThatOmitTheirColoursAllocateBoundedByTheFile) {
     // The bound: kMaxReadExpansion times the file, and the few small blocks of the plug itself.
     constexpr long long kPlugOverhead = 4096;
     const std::string path = testing::TempDir() + "hostile_array.plug";
