@@ -16,3 +16,7 @@ set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 # Put every binary and shared library in one folder so the tools find the plug-in beside them.
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+
+# Fuzzing (clang's libFuzzer, fuzz/) and ThreadSanitizer builds; see the "fuzz" and "tsan" presets.
+option(KORVANE_FUZZ "Build the libFuzzer targets in fuzz/ (clang)" OFF)
+option(KORVANE_TSAN "Build with ThreadSanitizer (clang)" OFF)

@@ -5,9 +5,11 @@
 #include "hostkit/base/FaultInjection.h"
 #include "hostkit/base/MemStat.h"
 #include "hostkit/base/User.h"
+#include "hostkit/cie/CIEConvAll.h"
 #include "hostkit/colormodel/ColorModelType.h"
 #include "hostkit/colormodel/Holders.h"
 #include "hostkit/plugsys/PlugFile.h"
+#include "hostkit/plugsys/PlugType.h"
 #include "plugin/frame/ModuleEntry.h"
 #include "plugin/masscolconv/MassColConv.h"
 #include "plugin/models/SpectralModel.h"
@@ -106,4 +108,66 @@ TEST_F(FaultSweep, PlugFileLoadOfASpectralModel) {
         EXPECT_GT(refused, 0);
         std::remove(path.c_str());
     }
+}
+
+// Registration at every site: a failed InitClasses returns -1 after a no-memory report or a
+// refused step, and TermClasses leaves nothing behind.
+TEST(FaultSweepInit, InitClassesAtEverySite) {
+    const std::size_t types = PlugType::Registered().size();
+    Sweep([&](const std::string& where) {
+        const Balance balance;
+        const int result = InitClasses();
+        if (result != 0) {
+            EXPECT_EQ(result, -1) << where;
+            bool noMemory = false;
+            for (const Report& r : ReportLog::Entries())
+                noMemory = noMemory || r.kind == ReportKind::NoMemory;
+            EXPECT_TRUE(noMemory) << where;
+        }
+        FaultInjection::Disarm();
+        TermClasses();
+        EXPECT_EQ(PlugType::Registered().size(), types) << where;
+        EXPECT_TRUE(TColorModel->Models().empty()) << where;
+        balance.Expect(where);
+    });
+}
+
+// Changing the converter of every model, and converting colours between models, while memory
+// runs out: a conversion answers 0 or the code of a report it made; a model keeps working.
+TEST_F(FaultSweep, ConverterChangeAndConversions) {
+    const ColorModel* rgb = TColorModel->FindModel("URGB");
+    const ColorModel* spectral = TColorModel->FindModel("USpectr");
+    const ColorModel* xyz = TColorModel->FindModel("XYZ");
+    ASSERT_TRUE(rgb && spectral && xyz);
+    // A converter change that runs out of memory may leave a model's tables unbuilt (they are
+    // built again on use); a change with memory back makes every model whole again.
+    Sweep([&](const std::string&) { TColorModel->SetCIEConvAllForAll(CIEConvAll::Default()); });
+    FaultInjection::Disarm();
+    TColorModel->SetCIEConvAllForAll(CIEConvAll::Default());
+    ASSERT_NE(spectral->GetMassColConv(), nullptr);
+    EXPECT_NE(spectral->GetMassColConv()->WeightsForLight(), nullptr);
+    Sweep([&](const std::string& where) {
+        const Balance balance;
+        {
+            TPlugRef<Holder<ILgtColor>> from = rgb->NewLgtColorHold();
+            TPlugRef<Holder<ILgtColor>> spec = spectral->NewLgtColorHold();
+            TPlugRef<Holder<ILgtColor>> back = xyz->NewLgtColorHold();
+            if (from && spec && back) {
+                const double values[3] = {0.25, 0.5, 0.75};
+                rgb->SetLgtColor(from->Color(), values);
+                for (int result : {spectral->ConvertColor(rgb, from->Color(), spec->Color()),
+                                   xyz->ConvertColor(spectral, spec->Color(), back->Color())}) {
+                    if (result != 0 && result != -1) {
+                        EXPECT_TRUE(result == kNoMemoryCode || result == kErrorMessageCode ||
+                                    result == kInternalErrorCode)
+                            << where << ": " << result;
+                        EXPECT_FALSE(ReportLog::Entries().empty()) << where;
+                    }
+                }
+                TVect3<double> v;
+                spectral->LgtColorToDisplayRGB(spec->Color(), v);
+            }
+        }
+        balance.Expect(where);
+    });
 }
