@@ -21,3 +21,6 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 # development files are found, ON requires them, OFF leaves it out.
 set(KORVANE_BUILD_PYTHON AUTO CACHE STRING "Build the Python module: AUTO, ON or OFF")
 set_property(CACHE KORVANE_BUILD_PYTHON PROPERTY STRINGS AUTO ON OFF)
+# Fuzzing (clang's libFuzzer, fuzz/) and ThreadSanitizer builds; see the "fuzz" and "tsan" presets.
+option(KORVANE_FUZZ "Build the libFuzzer targets in fuzz/ (clang)" OFF)
+option(KORVANE_TSAN "Build with ThreadSanitizer (clang)" OFF)

@@ -25,3 +25,18 @@ function(korvane_target_defaults target)
   target_link_libraries(${target} PRIVATE korvane::warnings korvane::numerics korvane::sanitizers)
   target_include_directories(${target} PRIVATE "${PROJECT_SOURCE_DIR}")
 endfunction()
+
+# Coverage for libFuzzer in every target of a fuzz build (the fuzz targets add the fuzzer's main).
+if(KORVANE_FUZZ)
+  target_compile_options(korvane_sanitizers INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+if(KORVANE_TSAN)
+  target_compile_options(korvane_sanitizers INTERFACE -fsanitize=thread -fno-omit-frame-pointer)
+  target_link_options(korvane_sanitizers INTERFACE -fsanitize=thread)
+endif()
+# Clang also checks the format strings that the report functions pass on to vsnprintf, and
+# counts signedness changes under -Wconversion, which GCC leaves to -Wsign-conversion.
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+  target_compile_options(korvane_warnings INTERFACE -Wno-format-nonliteral -Wno-sign-conversion
+    -Wno-gnu-zero-variadic-macro-arguments)
+endif()

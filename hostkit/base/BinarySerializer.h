@@ -45,6 +45,12 @@ public:
     void Serialize(std::string& text) override;
     bool CanHold(std::int64_t elements, int valuesPerElement) override;
 
+protected:
+    std::int64_t BytesLeft() const override {
+        return reading_ ? static_cast<std::int64_t>(bytes_.size() - pos_) : -1;
+    }
+
+public:
     // Writing: appends the end record and seals the header (length, checksum). Reading: checks
     // that every group was closed and nothing but the end record is left. 0, or -1 (failed).
     int Finish();

@@ -1,4 +1,5 @@
 #include "hostkit/base/FaultInjection.h"
+#include "hostkit/base/MemStat.h"
 
 #include <atomic>
 
@@ -30,7 +31,10 @@ bool ShouldFail(Site site) {
         return false;
     const long n = gCounted.fetch_add(1) + 1;
     const long at = gFailAt.load();
-    return n == at || (gFailAfter.load() && n > at);
+    const bool fail = n == at || (gFailAfter.load() && n > at);
+    if (fail) // a forced failure is a failure like any other for whoever watches for them
+        MemStats::RecordFailure();
+    return fail;
 }
 
 } // namespace Korvane::FaultInjection

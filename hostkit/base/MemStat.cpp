@@ -157,6 +157,7 @@ void IArray::AddMemStat(std::size_t bytes, void* p, const char* tag) {
     const int t = TagIndex(tag);
     if (!p) {
         Add(t, kFailed, 1);
+        MemStats::RecordFailure();
         return;
     }
     const auto b = static_cast<long long>(bytes);
@@ -196,6 +197,17 @@ void ResetTotals(const char* tag) {
     StatState& st = State();
     std::lock_guard<std::mutex> guard(st.lock);
     st.baseline[t] = Sum(st, t);
+}
+
+namespace {
+thread_local long long tFailures = 0;
+} // namespace
+
+long long FailuresOnThisThread() {
+    return tFailures;
+}
+void RecordFailure() {
+    ++tFailures;
 }
 } // namespace MemStats
 

@@ -35,6 +35,14 @@ namespace MemStats {
 KOR_HOST_API MemStatCounts Get(const char* tag);
 // Forgets the totals and failures of a tag; outstanding counts stay (they describe live blocks).
 KOR_HOST_API void ResetTotals(const char* tag);
+
+// Allocation failures seen on the calling thread since it started: blocks recorded as failed
+// under any tag, plugs that could not be allocated, and ErrorNoMemory reports (one failure may
+// count more than once). Never reset: an operation compares a reading before and after itself to
+// learn whether memory ran out anywhere inside it, also where a failure was absorbed on the way.
+KOR_HOST_API long long FailuresOnThisThread();
+// Counts one failure on the calling thread (the allocation sites and ErrorNoMemory call it).
+KOR_HOST_API void RecordFailure();
 } // namespace MemStats
 
 } // namespace Korvane

@@ -39,6 +39,24 @@ bool Serializer::FitsIn(std::int64_t elements, int valuesPerElement, std::int64_
     return elements <= bytesLeft / perElement;
 }
 
+bool Serializer::CanAllocate(std::int64_t elements, std::size_t bytesPerElement) {
+    if (!IsReading())
+        return true;
+    if (Failed())
+        return false;
+    const std::int64_t left = BytesLeft();
+    if (elements <= 0 || bytesPerElement == 0 || left < 0)
+        return true;
+    const auto per = static_cast<std::int64_t>(bytesPerElement);
+    // elements * per <= kMaxReadExpansion * left, without overflow.
+    if (elements <= (kMaxReadExpansion * left) / per)
+        return true;
+    Fail("a count of " + std::to_string(elements) + " elements of " + std::to_string(per) +
+         " bytes is more memory than " + std::to_string(kMaxReadExpansion) + " times the " +
+         std::to_string(left) + " bytes of input left can justify");
+    return false;
+}
+
 void Serializer::Fail(const std::string& message) {
     if (!failed_)
         error_ = message;

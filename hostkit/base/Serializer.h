@@ -11,6 +11,7 @@
 
 #include "hostkit/HostExport.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -49,6 +50,14 @@ public:
     // Writing: always true.
     virtual bool CanHold(std::int64_t elements, int valuesPerElement) = 0;
 
+    // Reading: whether `elements` objects of `bytesPerElement` bytes each may be allocated for
+    // what is read next. No read allocates more than kMaxReadExpansion times the bytes of input
+    // left; a count above that fails the archive with a message. The factor is the most that a
+    // file as the writer makes it can need: an array of empty spectral colours, 64 bytes of
+    // memory for each element that takes 4 or 5 bytes of input. Writing: always true.
+    bool CanAllocate(std::int64_t elements, std::size_t bytesPerElement);
+    static constexpr std::int64_t kMaxReadExpansion = 16;
+
     // Marks the archive failed for lack of memory (non-virtual, as in the host).
     void SetAllocError();
     // Marks the archive failed because what was read is not acceptable to the object reading it
@@ -59,6 +68,8 @@ public:
     const std::string& Error() const { return error_; }
 
 protected:
+    // Reading: the bytes of input not read yet (-1 when the archive cannot tell).
+    virtual std::int64_t BytesLeft() const { return -1; }
     // Enters the failed state; the first message is kept.
     void Fail(const std::string& message);
     // Whether `elements` elements of `valuesPerElement` values (fewer than 1 counts as 1) fit in

@@ -54,6 +54,12 @@ public:
     void Serialize(std::string& text) override;
     bool CanHold(std::int64_t elements, int valuesPerElement) override;
 
+protected:
+    std::int64_t BytesLeft() const override {
+        return reading_ ? static_cast<std::int64_t>(end_ - pos_) : -1;
+    }
+
+public:
     // Writing: appends the checksum line. Reading: checks that every group was closed and every
     // record read. 0, or -1 (failed).
     int Finish();

@@ -1,5 +1,7 @@
 #include "hostkit/base/User.h"
 
+#include "hostkit/base/MemStat.h"
+
 #include <cstdarg>
 #include <cstdio>
 #include <deque>
@@ -105,6 +107,7 @@ int IUser::ErrorMessageEx(const char* format, const char* message) {
 }
 
 int IUser::ErrorNoMemory(long long size) {
+    MemStats::RecordFailure();
     Emit(ReportKind::NoMemory, size < 0
                                    ? std::string("out of memory")
                                    : "out of memory allocating " + std::to_string(size) + " bytes");

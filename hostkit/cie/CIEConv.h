@@ -123,6 +123,7 @@ public:
 protected:
     explicit CIEConv(Observer observer);
 
+    friend class SpikeResponses; // reads the per-grid tables (SpikeResponses.h)
     struct Impl;
     Impl* impl_;
 };

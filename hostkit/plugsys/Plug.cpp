@@ -1,6 +1,7 @@
 #include "hostkit/plugsys/Plug.h"
 
 #include "hostkit/base/FaultInjection.h"
+#include "hostkit/base/MemStat.h"
 #include "hostkit/plugsys/PlugFile.h"
 
 #include <cstdlib>
@@ -62,9 +63,10 @@ int Plug::ReleaseNoDelete() const {
 }
 
 void* Plug::operator new(std::size_t bytes) noexcept {
-    if (FaultInjection::ShouldFail(FaultInjection::PlugAlloc))
-        return nullptr;
-    return std::malloc(bytes);
+    void* p = FaultInjection::ShouldFail(FaultInjection::PlugAlloc) ? nullptr : std::malloc(bytes);
+    if (!p)
+        MemStats::RecordFailure();
+    return p;
 }
 
 void Plug::operator delete(void* p) noexcept {

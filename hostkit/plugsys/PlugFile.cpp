@@ -2,8 +2,10 @@
 
 #include "hostkit/base/ArchiveBytes.h"
 #include "hostkit/base/BinarySerializer.h"
+#include "hostkit/base/MemStat.h"
 #include "hostkit/base/TextSerializer.h"
 #include "hostkit/base/User.h"
+#include "hostkit/colormodel/ColorModel.h"
 #include "hostkit/plugsys/PlugType.h"
 
 namespace Korvane::PlugFile {
@@ -26,6 +28,7 @@ std::string Write(Archive& archive, PlugType& type, Plug& plug) {
 // Reads the identifier, creates a plug of that type and lets the type read it.
 template <class Archive>
 PlugRef Read(Archive& archive, int version, const std::string& file, std::string& error) {
+    const long long failures = MemStats::FailuresOnThisThread();
     std::string ident;
     archive.Serialize(ident);
     if (archive.Failed()) {
@@ -48,13 +51,30 @@ PlugRef Read(Archive& archive, int version, const std::string& file, std::string
     }
     const int result = type->SerializeInstance(plug.Get(), archive);
     archive.Finish();
+    if (!archive.Failed() && result == 0 && MemStats::FailuresOnThisThread() != failures)
+        archive.SetAllocError();
     if (archive.Failed() || result != 0) {
         error = file + (archive.Failed()
                             ? archive.Error()
                             : "the type's SerializeInstance returned " + std::to_string(result));
         return PlugRef(); // the half-read plug is released with `plug`
     }
+    if (const auto* model = dynamic_cast<const ColorModel*>(plug.Get())) {
+        const int points = model->GetWaveLengths().Count();
+        if (points > kMaxGridPoints) {
+            error = file + "a wavelength grid of " + std::to_string(points) +
+                    " points is more than the " + std::to_string(kMaxGridPoints) +
+                    " that a plug file may hold";
+            return PlugRef();
+        }
+    }
     plug.Get()->OnLoad(version);
+    if (MemStats::FailuresOnThisThread() != failures) {
+        // The plug's own code may have absorbed the failure (tables left empty, a converter not
+        // made); what it built is not trusted.
+        error = file + "memory ran out while the plug was read; the plug is not handed out";
+        return PlugRef();
+    }
     error.clear();
     return plug;
 }

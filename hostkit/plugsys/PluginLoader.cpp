@@ -1,6 +1,7 @@
 #include "hostkit/plugsys/PluginLoader.h"
 
 #include "hostkit/base/User.h"
+#include "hostkit/platform/ModuleImageCheck.h"
 #include "hostkit/platform/Platform.h"
 #include "hostkit/plugsys/PlugType.h"
 
@@ -14,6 +15,24 @@ namespace {
 template <class Fn>
 Fn BindExport(void* library, const char* name) {
     return reinterpret_cast<Fn>(Platform::FindSymbol(library, name));
+}
+
+// The modules that loaders hold, with the path each was loaded from. Loading runs on one thread
+// at a time, like the modules' entry points, so the list needs no lock.
+struct HeldModule {
+    void* library;
+    std::string path;
+};
+std::vector<HeldModule>& HeldModules() {
+    static std::vector<HeldModule> held;
+    return held;
+}
+
+const HeldModule* FindHeld(void* library) {
+    for (const HeldModule& m : HeldModules())
+        if (m.library == library)
+            return &m;
+    return nullptr;
 }
 
 } // namespace
@@ -32,10 +51,19 @@ int PluginLoader::Load(const char* path) {
     failure_ = LoadFailure::None;
 
     std::string why = "no path given";
+    if (!requested.empty() && !Platform::CheckModuleImage(requested.c_str(), why))
+        return Fail(LoadFailure::DamagedImage, requested, "damaged module file (" + why + ")");
     void* library = requested.empty() ? nullptr : Platform::OpenLibrary(requested.c_str(), why);
     if (!library)
         return Fail(LoadFailure::NotALibrary, requested,
                     "not a shared library that can be opened (" + why + ")");
+    if (const HeldModule* held = FindHeld(library)) {
+        const std::string holder = held->path;
+        Platform::CloseLibrary(library); // drops the reference this Load added, nothing more
+        return Fail(LoadFailure::AlreadyLoaded, requested,
+                    "the module is already loaded (by a loader from \"" + holder +
+                        "\"); a module is loaded once per process");
+    }
 
     const auto dllMain = BindExport<DllMainFn>(library, "DllMain");
     const auto versionId = BindExport<VersionIdFn>(library, "VersionId");
@@ -52,6 +80,7 @@ int PluginLoader::Load(const char* path) {
                     std::string("missing export \"") + missing + "\"");
     }
     library_ = library;
+    HeldModules().push_back(HeldModule{library, requested});
     dllMain_ = dllMain;
     versionId_ = versionId;
     initClasses_ = initClasses;
@@ -121,6 +150,12 @@ void PluginLoader::Detach() {
 }
 
 void PluginLoader::CloseAndForget() {
+    std::vector<HeldModule>& held = HeldModules();
+    for (auto it = held.begin(); it != held.end(); ++it)
+        if (it->library == library_) {
+            held.erase(it);
+            break;
+        }
     Platform::CloseLibrary(library_);
     library_ = nullptr;
     dllMain_ = nullptr;

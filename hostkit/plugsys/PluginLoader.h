@@ -8,8 +8,16 @@
 // DllMain(module, kProcessDetach), again as on Windows); record VersionId; call InitClasses.
 // Unload: TermClasses, then outside Windows DllMain(module, kProcessDetach), then close.
 //
-// Failures (a path that is not a shared library, a missing export, a refused attach, an
-// InitClasses that does not return 0, a second Load on a busy loader) are reported through
+// Before the library is opened its file is checked (Platform::CheckModuleImage): a file cut short
+// would crash the platform loader, so it is refused with what lies past its end. A module that
+// another loader already holds (the same file, or another path to it) is refused right after
+// opening, before any of its entry points is called: the platform hands back the module already
+// mapped, and running its InitClasses again would register its types twice and let the second
+// loader's cleanup release the first one's models.
+//
+// Failures (a damaged file, a path that is not a shared library, a module already held, a
+// missing export, a refused attach, an InitClasses that does not return 0, a second Load on a
+// busy loader) are reported through
 // User()->ErrorMessageEx with one message naming the module path and the cause; Load returns the
 // code of that report, and Error()/Failure() keep the message and the cause. After a failed
 // InitClasses the loader calls TermClasses (a module's TermClasses accepts a partially built
@@ -42,6 +50,8 @@ enum class LoadFailure {
     MissingExport, // one of the four entry points is not exported
     AttachRefused, // DllMain answered FALSE to process attach
     InitFailed,    // InitClasses returned non-zero
+    DamagedImage,  // the module file is cut short (ModuleImageCheck.h); it was not opened
+    AlreadyLoaded, // another loader holds the same module; none of its code ran again
 };
 
 class KOR_HOST_API PluginLoader {

@@ -38,14 +38,22 @@ using HolderModelsReversed =
 // ---- creation: each step returns 0, or non-zero when it failed ------------------------------
 
 // A type object into its slot; the code of the no-memory report when it cannot be allocated.
+// A type that the host's registry refused (its identifier is already taken, typically by the
+// same module loaded twice) fails the step as well: the registry has already reported the clash,
+// so nothing more is reported here and -1 is the step's result. Like everything made before a
+// failure, the refused type stays in its slot; TermClasses deletes it, and deleting a type that
+// was never registered leaves the registry alone.
 template <class Type>
 int MakeType(PlugType*& slot) {
     slot = new Type();
-    return slot ? 0 : User()->ErrorNoMemory(-1);
+    if (!slot)
+        return User()->ErrorNoMemory(-1);
+    return slot->IsRegistered() ? 0 : -1;
 }
 
 // A model type and its singleton, which is then added to the host's registry. A model that
-// cannot be allocated leaves its type in place; the registry's refusal is the step's result.
+// cannot be allocated leaves its type in place; the registry's refusal is the step's result. A
+// model type that the type registry refused stops the step before its model is made.
 template <class Type, class Model, ModelKind kKind>
 int MakeModel() {
     ModelSlot& slot = Library::Slot(kKind);

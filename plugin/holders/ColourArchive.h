@@ -73,14 +73,16 @@ struct MinimumRoom<FixedColour<M, I, Comp, N>> {
 template <class M, class L, bool kPolarized>
 struct MinimumRoom<RayColour<M, L, kPolarized>> : MinimumRoom<L> {};
 
-// Reading: whether the rest of the input can hold `elements` colours V; the archive fails when
-// not (a negative count included). Writing: true.
+// Reading: whether the rest of the input can hold `elements` colours V, and whether it can
+// justify their memory (Serializer::CanAllocate: an element of an empty spectral colour takes
+// a few bytes of input and far more of memory); the archive fails when not (a negative count
+// included). Writing: true.
 template <class V>
 bool CanHoldColours(Serializer& s, std::int64_t elements) {
     using Room = MinimumRoom<V>;
     const std::int64_t checked =
         Room::kHalfPerElement && elements > 0 ? (elements + 1) / 2 : elements;
-    return s.CanHold(checked, Room::kDoubles);
+    return s.CanHold(checked, Room::kDoubles) && s.CanAllocate(elements, sizeof(V));
 }
 
 } // namespace Korvane::ColourArchive

@@ -1,5 +1,8 @@
 #include "plugin/masscolconv/MassColConv.h"
 
+#include "hostkit/cie/SpikeResponses.h"
+
+#include <memory>
 #include <type_traits>
 
 namespace Korvane {
@@ -77,11 +80,18 @@ int MassColConv::PrepareForLight() {
 
     for (int c = 0; c < 3; ++c)
         bounds_[c] = {1e10, -1e10};
+    // The RGB of a spike comes from the held converter (Spectr2RGB), its XYZ from the current one
+    // (the static spectrum2xyz); each answers from its tables for the grid, bit for bit what the
+    // conversion of the whole spike gives, in one pass over the grid (SpikeResponses.h). The
+    // spike array above is sized all the same, so that its failure is the same failure as ever.
     const CIEConv* conv = Converter();
-    spike.Fill(0.0);
+    const SpikeResponses rgbSpikes(*conv, waves_);
+    const std::unique_ptr<SpikeResponses> xyzOther =
+        conv == CIEConv::Current() ? nullptr
+                                   : std::make_unique<SpikeResponses>(*CIEConv::Current(), waves_);
+    const SpikeResponses& xyzSpikes = xyzOther ? *xyzOther : rgbSpikes;
     for (int i = 0; i < n; ++i) {
-        spike[i] = 1.0;
-        const TVect3<double> rgb = conv->Spectr2RGB(spike, waves_, false);
+        const TVect3<double> rgb = rgbSpikes.LightRGB(i);
         lightRGB_[i] = ToDistr(rgb);
         lightRGBDensity_[i] = Scaled(rgb, inv[i]);
         const TVect3<double> density{lightRGBDensity_[i].r, lightRGBDensity_[i].g,
@@ -92,11 +102,9 @@ int MassColConv::PrepareForLight() {
             if (density[c] > bounds_[c].hi)
                 bounds_[c].hi = density[c];
         }
-        TVect3<double> xyz{0.0, 0.0, 0.0};
-        CIEConv::spectrum2xyz(waves_, spike, xyz);
+        const TVect3<double> xyz = xyzSpikes.LightXYZ(i);
         lightXYZ_[i] = ToDistr(xyz);
         lightXYZDensity_[i] = Scaled(xyz, inv[i]);
-        spike[i] = 0.0;
     }
     // All six values, minima and maxima alike: a positive minimum grows, a negative maximum
     // shrinks.
@@ -116,13 +124,9 @@ int MassColConv::PrepareForSurface() {
     TArray<double> spike(kGrowthStep);
     if (SizeZeroed(surfaceRGB_, n) != 0 || spike.Alloc(n) != 0)
         return -1;
-    const CIEConv* conv = Converter();
-    spike.Fill(0.0);
-    for (int i = 0; i < n; ++i) {
-        spike[i] = 1.0;
-        surfaceRGB_[i] = ToDistr(conv->Spectr2RGBAttr(spike, waves_, false));
-        spike[i] = 0.0;
-    }
+    const SpikeResponses spikes(*Converter(), waves_);
+    for (int i = 0; i < n; ++i)
+        surfaceRGB_[i] = ToDistr(spikes.ReflectanceRGB(i));
     return 0;
 }
 

@@ -2,6 +2,7 @@
 
 #include "hostkit/base/User.h"
 #include "hostkit/cie/CIEConv.h"
+#include "hostkit/cie/SpikeResponses.h"
 
 #include <cmath>
 
@@ -104,16 +105,18 @@ int BSpectralModel::CalculateWeights() {
         weightsInv_[i] = 1.0 / weights_[i];
 
     // The XYZ response of a unit spike at each wavelength, as the converter integrates it on
-    // this grid.
+    // this grid (CIEConv::spectrum2xyz of the spike). The converter reads each spike's response
+    // from its tables for the grid, bit for bit what the conversion of the whole spike gives, so
+    // the table costs one pass over the grid instead of a pass per wavelength. The spike array is
+    // still sized, so that running out of memory for it fails here as it always has.
     TArray<double> spike(10, 1);
     if (spike.Alloc(n) != 0)
         return -1;
-    for (int i = 0; i < n; ++i) {
-        spike.Fill(0.0);
-        spike[i] = 1.0;
-        if (CIEConv::spectrum2xyz(waves_, spike, xyz_[i]) != 0)
-            return -1;
-    }
+    const SpikeResponses spikes(*CIEConv::Current(), waves_);
+    if (spikes.Status() != 0) // the converter refuses every spike of this grid, the first one too
+        return -1;
+    for (int i = 0; i < n; ++i)
+        xyz_[i] = spikes.LightXYZ(i);
     return 0;
 }
 

@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <string>
 #include <utility>
@@ -258,4 +259,42 @@ TEST(Registration, DllMainReportsTheModuleOnProcessAttachOnly) {
     EXPECT_EQ(PluginLoadingCalls(), calls + 1);
     EXPECT_EQ(LoadingModule(), module);
     EXPECT_EQ(VersionId(), 263237);
+}
+
+// A type whose identifier the host already has is refused by the registry; InitClasses takes
+// that as a failed step: nothing after it is made, and the refused type is not registered.
+TEST(Registration, StopsAtATypeTheRegistryRefuses) {
+    const std::size_t before = PlugType::Registered().size();
+    std::vector<std::string> order;
+    for (const auto& type : CreationOrder())
+        order.push_back(type.first);
+    for (const std::string clash : {"URGB", "StkSpectrRayColorHold", "StkBWMatrixLgtColorHold"}) {
+        ReportLog::Clear();
+        PlugType* hosts = new PlugType(clash.c_str(), nullptr, true, nullptr);
+        const std::size_t at =
+            static_cast<std::size_t>(std::find(order.begin(), order.end(), clash) - order.begin());
+        EXPECT_EQ(InitClasses(), -1) << clash;
+        std::vector<std::string> made = RegisteredSince(before);
+        ASSERT_FALSE(made.empty());
+        EXPECT_EQ(made.front(), clash); // the host's own type, registered first
+        made.erase(made.begin());
+        EXPECT_EQ(made, std::vector<std::string>(order.begin(), order.begin() + long(at))) << clash;
+        // The registry's report is the only one besides the models' log lines.
+        std::vector<Report> reports;
+        for (const Report& r : ReportLog::Entries())
+            if (r.kind != ReportKind::Log)
+                reports.push_back(r);
+        EXPECT_EQ(reports.size(), 1u) << clash;
+        if (!reports.empty()) {
+            EXPECT_EQ(reports[0].kind, ReportKind::InternalError);
+            EXPECT_NE(reports[0].text.find("\"" + clash + "\""), std::string::npos);
+        }
+        if (clash == "URGB") { // a refused model type: its model is not made
+            EXPECT_EQ(TColorModel->Models().size(), 2u);
+        }
+        TermClasses();
+        EXPECT_EQ(PlugType::Find(clash.c_str()), hosts); // the host's type survives
+        DeleteType(hosts);
+        ExpectNothingLeft(before);
+    }
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "hostkit/base/FaultInjection.h"
+#include "hostkit/base/MemStat.h"
 
 #include <cstdint>
 #include <new>
@@ -43,6 +44,7 @@ public:
                        ? nullptr
                        : new (std::nothrow) T[static_cast<std::size_t>(n)];
         if (!block) {
+            MemStats::RecordFailure();
             rows_ = cols_ = 0;
             return -1;
         }

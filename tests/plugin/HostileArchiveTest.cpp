@@ -1,0 +1,74 @@
+// Plug files that claim more than they hold: whatever a file says, reading it allocates no more
+// than Serializer::kMaxReadExpansion times its size, counted by the memory statistics (the text
+// archive let such a file allocate 40 to 64 times its size).
+#include "hostkit/base/ArchiveBytes.h"
+#include "hostkit/base/BinarySerializer.h"
+#include "hostkit/base/MemStat.h"
+#include "hostkit/base/TextSerializer.h"
+#include "hostkit/plugsys/PlugFile.h"
+#include "tests/plugin/HolderTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+using namespace Korvane;
+
+namespace {
+
+using HostileArchive = Korvane::Testing::Registered;
+
+// An array holder of `ident` that claims `count` colours and stores none of them (each
+// colour's sample count is left out, and reads as 0 at the group's end), followed by `padding`
+// doubles that make the claim look affordable.
+template <class Archive>
+std::string ClaimingArchive(const char* ident, std::int32_t count, int padding) {
+    Archive a;
+    std::string type = ident;
+    a.Serialize(type);
+    a.OpenGroup("Data");
+    a.Serialize(count);
+    a.CloseGroup();
+    std::vector<double> pad(static_cast<std::size_t>(padding), 0.0);
+    a.Serialize(pad.data(), padding);
+    a.Finish();
+    if constexpr (std::is_same_v<Archive, BinarySerializer>)
+        return a.Bytes();
+    else
+        return a.Text();
+}
+
+} // namespace
+
+TEST_F(HostileArchive, ArrayHoldersThatOmitTheirColoursAllocateBoundedByTheFile) {
+    // The bound: kMaxReadExpansion times the file, and the few small blocks of the plug itself.
+    constexpr long long kPlugOverhead = 4096;
+    const std::string path = testing::TempDir() + "hostile_array.plug";
+    for (const char* ident : {"USpectrArrayLgtColorHold", "StkSpectrArrayLgtColorHold"})
+        for (bool text : {false, true}) {
+            // The largest claim the room check lets through: half a double of input per colour.
+            const int padding = 20000;
+            std::string bytes = text ? ClaimingArchive<TextSerializer>(ident, 1, padding)
+                                     : ClaimingArchive<BinarySerializer>(ident, 1, padding);
+            const auto size = static_cast<std::int32_t>(bytes.size());
+            // Less the bytes before the count (a few hundred at most).
+            const std::int32_t claim = text ? size - 400 : (size - 200) / 4;
+            bytes = text ? ClaimingArchive<TextSerializer>(ident, claim, padding)
+                         : ClaimingArchive<BinarySerializer>(ident, claim, padding);
+            std::string error;
+            ASSERT_TRUE(ArchiveBytes::WriteFile(path.c_str(), bytes, error)) << error;
+
+            const long long before = MemStats::Get("TArray").bytesTotal;
+            PlugRef loaded = PlugFile::Load(path.c_str(), error);
+            const long long allocated = MemStats::Get("TArray").bytesTotal - before;
+            EXPECT_FALSE(loaded) << ident;
+            EXPECT_LE(allocated,
+                      Serializer::kMaxReadExpansion * static_cast<long long>(bytes.size()) +
+                          kPlugOverhead)
+                << ident << (text ? " text: " : " binary: ") << allocated << " bytes for a file of "
+                << bytes.size() << " (" << error << ")";
+        }
+    std::remove(path.c_str());
+}

@@ -1,0 +1,142 @@
+// Several threads convert colours through the same models at once: spectral <-> RGB, XYZ and xyY,
+// spectral between two grids (resampling), display colours, and the converter's first sight of
+// a grid. Every thread must get the numbers that one thread alone gets. Run under the "tsan"
+// preset, where ThreadSanitizer reports any data race.
+//
+// Kept out on purpose, because the library allows them to race: the first WeightForSurface of a
+// mass converter (its surface table is filled on first use, unguarded) and the first
+// GetModel_380_780 (the shared model is made on first request). Both are made once here before
+// the threads start.
+#include "hostkit/cie/CIEConv.h"
+#include "hostkit/colormodel/Holders.h"
+#include "plugin/masscolconv/MassColConv.h"
+#include "plugin/models/RGBModel.h"
+#include "plugin/models/SpectralModel.h"
+#include "plugin/models/XYYModel.h"
+#include "plugin/models/XYZModel.h"
+#include "tests/plugin/HolderTestSupport.h"
+#include "tests/plugin/ModelTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <thread>
+#include <vector>
+
+using namespace Korvane;
+using Korvane::Testing::GridModel;
+
+namespace {
+
+using ThreadedConversion = Korvane::Testing::Registered;
+
+MArray<double> EvenGrid(double first, double step, int n) {
+    MArray<double> grid(10);
+    grid.Alloc(n);
+    for (int i = 0; i < n; ++i)
+        grid[i] = first + step * i;
+    return grid;
+}
+
+// Everything one round of conversions produces, compared bit for bit between threads.
+struct Results {
+    std::vector<double> values;
+    bool operator==(const Results& o) const {
+        return values.size() == o.values.size() &&
+               std::memcmp(values.data(), o.values.data(), values.size() * sizeof(double)) == 0;
+    }
+};
+
+void Add(Results& r, const TVect3<double>& v) {
+    r.values.insert(r.values.end(), {v.x, v.y, v.z});
+}
+
+// One round: an RGB light through the spectral model (and on to the model on another grid),
+// back to RGB, XYZ and xyY, and the display colours of each; the converter's first use of a
+// grid that no one has converted on yet.
+Results Round(const ColorModel& spectral, const ColorModel& other, const MArray<double>& fresh,
+              double seed) {
+    Results r;
+    const ColorModel* rgb = RGBModel<Unpolarized>::GetModel();
+    const ColorModel* xyz = XYZModel::GetModel();
+    const ColorModel* xyy = XYYModel::GetModel();
+    TPlugRef<Holder<ILgtColor>> source = rgb->NewLgtColorHold();
+    TPlugRef<Holder<ILgtColor>> spec = spectral.NewLgtColorHold();
+    TPlugRef<Holder<ILgtColor>> resampled = other.NewLgtColorHold();
+    TPlugRef<Holder<ILgtColor>> back = rgb->NewLgtColorHold();
+    TPlugRef<Holder<ILgtColor>> asXYZ = xyz->NewLgtColorHold();
+    TPlugRef<Holder<ILgtColor>> asXYY = xyy->NewLgtColorHold();
+    const double values[3] = {0.2 + seed, 0.5, 0.7 - seed};
+    rgb->SetLgtColor(source->Color(), values);
+    r.values.push_back(spectral.ConvertColor(rgb, source->Color(), spec->Color()));
+    r.values.push_back(other.ConvertColor(&spectral, spec->Color(), resampled->Color()));
+    r.values.push_back(rgb->ConvertColor(&other, resampled->Color(), back->Color()));
+    r.values.push_back(xyz->ConvertColor(&spectral, spec->Color(), asXYZ->Color()));
+    r.values.push_back(xyy->ConvertColor(xyz, asXYZ->Color(), asXYY->Color()));
+    r.values.push_back(spectral.ConvertColor(xyy, asXYY->Color(), spec->Color()));
+    for (const auto* pair : {&spectral, &other}) {
+        TVect3<double> v;
+        const Holder<ILgtColor>& c = pair == &spectral ? *spec.Get() : *resampled.Get();
+        r.values.push_back(pair->LgtColorToDisplayRGB(c.Color(), v));
+        Add(r, v);
+        r.values.push_back(pair->LgtColorToRGB(c.Color(), v, false, true));
+        Add(r, v);
+        r.values.push_back(pair->LgtColorToXYZ(c.Color(), v));
+        Add(r, v);
+    }
+    double out[3];
+    rgb->LgtToArray(back->Color(), out);
+    r.values.insert(r.values.end(), out, out + 3);
+    TArray<double> flat(10, 1);
+    flat.Alloc(fresh.Count());
+    flat.Fill(1.0 + seed);
+    TVect3<double> v;
+    r.values.push_back(CIEConv::spectrum2xyz(fresh, flat, v));
+    Add(r, v);
+    return r;
+}
+
+} // namespace
+
+TEST_F(ThreadedConversion, SharedModelsGiveEveryThreadTheSameNumbers) {
+    constexpr int kThreads = 4;
+    constexpr int kRounds = 20;
+    const ColorModel& spectral = *SpectralModel<Unpolarized>::GetModel();
+    const GridModel<Unpolarized> other(EvenGrid(380.0, 5.0, 81));
+    // The races the library allows, taken out of the threads (see the top of the file).
+    spectral.GetMassColConv()->WeightForSurface(0);
+    other.GetMassColConv()->WeightForSurface(0);
+    SpectralModel<Unpolarized>::GetModel_380_780();
+
+    // The expected numbers come from one thread, on a grid the converter then knows; the threads
+    // get grids of their own that the converter has not seen, all at once.
+    std::vector<MArray<double>> fresh;
+    for (int t = 0; t <= kThreads; ++t)
+        fresh.push_back(EvenGrid(400.0 + 0.25 * t, 3.0, 90));
+    std::vector<Results> expected;
+    for (int k = 0; k < kRounds; ++k)
+        expected.push_back(Round(spectral, other, fresh[kThreads], 0.01 * k));
+    // The result of the fresh grid's conversion is the same function on every grid of this
+    // shape only up to its position, so it is compared on the expected grid's own numbers below.
+    std::vector<std::vector<Results>> got(kThreads);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t)
+        threads.emplace_back([&, t] {
+            for (int k = 0; k < kRounds; ++k)
+                got[t].push_back(
+                    Round(spectral, other, fresh[(t + k) % 2 ? t : kThreads], 0.01 * k));
+        });
+    for (std::thread& th : threads)
+        th.join();
+    for (int t = 0; t < kThreads; ++t)
+        for (int k = 0; k < kRounds; ++k) {
+            // Rounds on the threads' own grids differ in the last four numbers only.
+            Results a = got[t][k];
+            Results b = expected[k];
+            if ((t + k) % 2) {
+                a.values.resize(a.values.size() - 4);
+                b.values.resize(b.values.size() - 4);
+            }
+            EXPECT_TRUE(a == b) << "thread " << t << ", round " << k;
+        }
+}
