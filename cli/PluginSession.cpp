@@ -1,6 +1,6 @@
 #include "cli/PluginSession.h"
 
-#include <filesystem>
+#include "hostkit/platform/Platform.h"
 
 namespace Korvane::Cli {
 
@@ -9,11 +9,7 @@ PluginSession::PluginSession(const std::string& path) : path_(path.empty() ? Def
 }
 
 std::string PluginSession::DefaultPath() {
-    namespace fs = std::filesystem;
-    std::error_code ec;
-    fs::path self = fs::read_symlink("/proc/self/exe", ec);
-    const fs::path dir = ec ? fs::current_path() : self.parent_path();
-    return (dir / KORVANE_PLUGIN_FILE).string();
+    return Platform::FileBesideExecutable(KORVANE_PLUGIN_FILE);
 }
 
 } // namespace Korvane::Cli

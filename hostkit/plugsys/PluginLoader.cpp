@@ -32,7 +32,12 @@ int PluginLoader::Load(const char* path) {
     failure_ = LoadFailure::None;
 
     std::string why = "no path given";
-    void* library = requested.empty() ? nullptr : Platform::OpenLibrary(requested.c_str(), why);
+    Platform::OpenFailure openFailure = Platform::OpenFailure::NotALibrary;
+    void* library =
+        requested.empty() ? nullptr : Platform::OpenLibrary(requested.c_str(), why, &openFailure);
+    if (!library && openFailure == Platform::OpenFailure::EntryRefused)
+        return Fail(LoadFailure::AttachRefused, requested,
+                    "DllMain refused process attach (" + why + ")");
     if (!library)
         return Fail(LoadFailure::NotALibrary, requested,
                     "not a shared library that can be opened (" + why + ")");

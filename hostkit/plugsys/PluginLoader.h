@@ -8,6 +8,12 @@
 // DllMain(module, kProcessDetach), again as on Windows); record VersionId; call InitClasses.
 // Unload: TermClasses, then outside Windows DllMain(module, kProcessDetach), then close.
 //
+// On Windows the system itself calls DllMain: with process attach inside LoadLibrary, before the
+// loader can look at the exports, and with process detach inside FreeLibrary. The loader does not
+// call it a second time. So there a library that lacks an export has had its attach and gets its
+// detach when the loader closes it, and a refused attach fails the opening itself; the loader
+// tells that failure (ERROR_DLL_INIT_FAILED) apart and reports it as the refused attach it is.
+//
 // Failures (a path that is not a shared library, a missing export, a refused attach, an
 // InitClasses that does not return 0, a second Load on a busy loader) are reported through
 // User()->ErrorMessageEx with one message naming the module path and the cause; Load returns the
