@@ -16,3 +16,9 @@ set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 # Put every binary and shared library in one folder so the tools find the plug-in beside them.
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+
+# Windows DLLs carry their plain names (korvane_colour.dll), as a Windows host expects them.
+if(WIN32)
+  set(CMAKE_SHARED_LIBRARY_PREFIX "")
+  set(CMAKE_IMPORT_LIBRARY_PREFIX "")
+endif()
