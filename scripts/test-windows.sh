@@ -27,9 +27,9 @@ for args in "" "--csv"; do
   WINEPREFIX="$PWD/build/windows/wineprefix" WINEDEBUG=-all DISPLAY= \
     "$wine_cmd" build/windows/bin/korvane.exe $args | tr -d '\r' | sed '/^plug-in: /d' >"$wine_out"
   if ! diff -u "$linux_out" "$wine_out"; then
-    echo "test-windows: the tool's report (korvane $args) under Wine differs from Linux" >&2
+    echo "test-windows: the tool's report (korvane${args:+ $args}) under Wine differs from Linux" >&2
     exit 1
   fi
-  echo "test-windows: korvane $args: same report on Linux and under Wine ($(wc -l <"$linux_out") lines)"
+  echo "test-windows: korvane${args:+ $args}: same report on Linux and under Wine ($(wc -l <"$linux_out") lines)"
 done
 echo "test-windows: build $((built - start)) s, tests $((tested - built)) s"
