@@ -24,3 +24,8 @@ set_property(CACHE KORVANE_BUILD_PYTHON PROPERTY STRINGS AUTO ON OFF)
 # Fuzzing (clang's libFuzzer, fuzz/) and ThreadSanitizer builds; see the "fuzz" and "tsan" presets.
 option(KORVANE_FUZZ "Build the libFuzzer targets in fuzz/ (clang)" OFF)
 option(KORVANE_TSAN "Build with ThreadSanitizer (clang)" OFF)
+# Windows DLLs carry their plain names (korvane_colour.dll), as a Windows host expects them.
+if(WIN32)
+  set(CMAKE_SHARED_LIBRARY_PREFIX "")
+  set(CMAKE_IMPORT_LIBRARY_PREFIX "")
+endif()

@@ -11,6 +11,15 @@
 #define KOR_PLUGIN_API __attribute__((visibility("default")))
 #endif
 
+// A class with nothing to import (all inline, or its functions marked KOR_PLUGIN_API one by one)
+// that templates of the plug-in are instantiated on: on ELF an instantiation is only as visible
+// as its arguments; on Windows the class is not marked, so its inline constants are not imported.
+#if defined(_WIN32)
+#define KOR_PLUGIN_VISIBLE
+#else
+#define KOR_PLUGIN_VISIBLE __attribute__((visibility("default")))
+#endif
+
 // C-linkage entry points of the module.
 #if defined(__cplusplus)
 #define KOR_PLUGIN_ENTRY extern "C" KOR_PLUGIN_API

@@ -3,8 +3,15 @@
 
 #include "hostkit/HostExport.h"
 
+// The module handle and the entry's answer, under the names a DllMain is written with. On Windows
+// they are the system's own types (HINSTANCE is a pointer to the incomplete HINSTANCE__, BOOL an
+// int), declared here without <windows.h>, whose macros would reach every file of a host.
 #if defined(_WIN32)
-#include <windows.h>
+struct HINSTANCE__;
+namespace Korvane {
+using HINSTANCE = ::HINSTANCE__*;
+using BOOL = int;
+} // namespace Korvane
 #else
 namespace Korvane {
 using HINSTANCE = void*;

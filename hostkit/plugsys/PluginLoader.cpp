@@ -53,7 +53,12 @@ int PluginLoader::Load(const char* path) {
     std::string why = "no path given";
     if (!requested.empty() && !Platform::CheckModuleImage(requested.c_str(), why))
         return Fail(LoadFailure::DamagedImage, requested, "damaged module file (" + why + ")");
-    void* library = requested.empty() ? nullptr : Platform::OpenLibrary(requested.c_str(), why);
+    Platform::OpenFailure openFailure = Platform::OpenFailure::NotALibrary;
+    void* library =
+        requested.empty() ? nullptr : Platform::OpenLibrary(requested.c_str(), why, &openFailure);
+    if (!library && openFailure == Platform::OpenFailure::EntryRefused)
+        return Fail(LoadFailure::AttachRefused, requested,
+                    "DllMain refused process attach (" + why + ")");
     if (!library)
         return Fail(LoadFailure::NotALibrary, requested,
                     "not a shared library that can be opened (" + why + ")");

@@ -15,6 +15,12 @@
 // mapped, and running its InitClasses again would register its types twice and let the second
 // loader's cleanup release the first one's models.
 //
+// On Windows the system itself calls DllMain: with process attach inside LoadLibrary, before the
+// loader can look at the exports, and with process detach inside FreeLibrary. The loader does not
+// call it a second time. So there a library that lacks an export has had its attach and gets its
+// detach when the loader closes it, and a refused attach fails the opening itself; the loader
+// tells that failure (ERROR_DLL_INIT_FAILED) apart and reports it as the refused attach it is.
+//
 // Failures (a damaged file, a path that is not a shared library, a module already held, a
 // missing export, a refused attach, an InitClasses that does not return 0, a second Load on a
 // busy loader) are reported through

@@ -4,6 +4,10 @@
 // says at compile time whether they are polarized, so that code forks with `if constexpr` and
 // the unpolarized path pays nothing, and gives the polarization bit of the model code.
 // Scalar colours are never polarized: both policies use ScalarComp.
+//
+// Only the functions are exported, not the classes (see KOR_PLUGIN_VISIBLE): the constants are
+// inline variables that each user of the header holds itself. Imported, they would be looked up
+// in the DLL, which exports them only if its own code happens to take their address.
 #pragma once
 
 #include "plugin/PluginExport.h"
@@ -11,7 +15,7 @@
 
 namespace Korvane {
 
-class KOR_PLUGIN_API Unpolarized {
+class KOR_PLUGIN_VISIBLE Unpolarized {
 public:
     static constexpr bool kIsPolarized = false;
     static constexpr int kPolarizationBit = 1;
@@ -19,11 +23,13 @@ public:
     using SurfComp = UnpSurfComp;
     using DualLgtComp = UnpDualLgtComp;
 
-    static const char* Tag();       // "U", the start of every unpolarized model identifier
-    static const char* PolarName(); // "Unpolarized", the first word of the display names
+    // "U", the start of every unpolarized model identifier.
+    KOR_PLUGIN_API static const char* Tag();
+    // "Unpolarized", the first word of the display names.
+    KOR_PLUGIN_API static const char* PolarName();
 };
 
-class KOR_PLUGIN_API StokesPolarization {
+class KOR_PLUGIN_VISIBLE StokesPolarization {
 public:
     static constexpr bool kIsPolarized = true;
     static constexpr int kPolarizationBit = 2;
@@ -31,8 +37,8 @@ public:
     using SurfComp = StkSurfComp;
     using DualLgtComp = StkDualLgtComp;
 
-    static const char* Tag();       // "Stk"
-    static const char* PolarName(); // "Polarized"
+    KOR_PLUGIN_API static const char* Tag();       // "Stk"
+    KOR_PLUGIN_API static const char* PolarName(); // "Polarized"
 };
 
 } // namespace Korvane

@@ -5,6 +5,8 @@
 #include "plugin/PluginExport.h"
 
 KOR_PLUGIN_ENTRY Korvane::BOOL DllMain(Korvane::HINSTANCE, unsigned long reason, void*) {
+    if (reason != Korvane::kProcessAttach && reason != Korvane::kProcessDetach)
+        return 1; // a thread starting or ending (Windows)
     Korvane::User()->LogMessage("NoInitModule DllMain %lu", reason);
     return 1;
 }

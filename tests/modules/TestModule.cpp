@@ -44,6 +44,10 @@ int MakeType(PlugType*& slot, PlugType* made) {
 } // namespace
 
 KOR_PLUGIN_ENTRY Korvane::BOOL DllMain(Korvane::HINSTANCE module, unsigned long reason, void*) {
+    // Windows also calls the entry when a thread of the process starts or ends (reasons 2 and 3):
+    // those calls say nothing about loading and stay out of the log.
+    if (reason != Korvane::kProcessAttach && reason != Korvane::kProcessDetach)
+        return 1;
     if (reason == Korvane::kProcessAttach)
         Korvane::PluginLoading(module);
     Korvane::User()->LogMessage("%s DllMain %lu", KORVANE_TEST_MODULE_PREFIX, reason);
