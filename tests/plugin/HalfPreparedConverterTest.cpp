@@ -82,7 +82,8 @@ bool HalfPrepared(const ColorModel& m) {
 // either as the clean run or as a failed preparation; at least one comes out half prepared.
 template <class M>
 void ForEveryFailingAllocation(const std::function<const M*()>& make,
-                               const std::function<void()>& undo) {
+                               const std::function<void()>& undo,
+                               bool halfPreparedReachable = true) {
     Display clean;
     long allocations = 0;
     {
@@ -126,7 +127,11 @@ void ForEveryFailingAllocation(const std::function<const M*()>& make,
         }
         undo();
     }
-    EXPECT_GT(halfPrepared, 0);
+    if (halfPreparedReachable) {
+        EXPECT_GT(halfPrepared, 0);
+    } else {
+        EXPECT_EQ(halfPrepared, 0);
+    }
 }
 
 TEST(HalfPreparedConverter, AfterRegistrationThatSucceeded) {
@@ -154,7 +159,10 @@ TEST_F(HalfPreparedAfter, APlugFileLoadThatSucceeded) {
             loaded = PlugFile::Load(path.c_str(), error);
             return static_cast<const USpectral*>(loaded.Get());
         },
-        [&] { loaded = nullptr; });
+        [&] { loaded = nullptr; },
+        // The host kit takes a load during which an allocation failed for a failed load, so no
+        // half-prepared model comes out of a plug file; every model it hands out is checked.
+        false);
     std::remove(path.c_str());
 }
 
