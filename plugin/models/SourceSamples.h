@@ -5,12 +5,12 @@
 //
 //   A conversion never reads or writes outside an array, whatever the sample count of a colour.
 //   Where a conversion has a failure report of its own for a colour whose count is not its
-//   model's NWaves, it makes that report: the spectral model's resampling ("SPEC light color
-//   conversion failure" and its surface and scalar siblings), the RGB model's polarized spectral
-//   sources ("RGB light color conversion failure", ...) and its ray colours (-1), and the sums
-//   through the mass colour converter (LgtColorToRGB, LgtColorToXYZ), which answer as they state
-//   for a colour of another length. Otherwise a source colour contributes its first NWaves
-//   samples, and zeros past its end when it has fewer.
+//   model's NWaves, it makes that report: the spectral model's resampling
+//   ("SPEC light color conversion failure" and its surface and scalar siblings), the RGB model's
+//   polarized spectral sources ("RGB light color conversion failure", ...) and its ray colours
+//   (-1), and the sums through the mass colour converter (LgtColorToRGB, LgtColorToXYZ), which
+//   answer as they state for a colour of another length. Otherwise a source colour contributes its
+//   first NWaves samples, and zeros past its end when it has fewer.
 //
 // The models hold to it by reading a source colour through FirstSamples below (its own array
 // slot into a scratch array that has room for every stored sample), through band-guarded reads

@@ -61,22 +61,22 @@ Results Round(const ColorModel& spectral, const ColorModel& other, const MArray<
     const ColorModel* xyz = XYZModel::GetModel();
     const ColorModel* xyy = XYYModel::GetModel();
     TPlugRef<Holder<ILgtColor>> source = rgb->NewLgtColorHold();
-    TPlugRef<Holder<ILgtColor>> spec = spectral.NewLgtColorHold();
+    TPlugRef<Holder<ILgtColor>> spectrum = spectral.NewLgtColorHold();
     TPlugRef<Holder<ILgtColor>> resampled = other.NewLgtColorHold();
     TPlugRef<Holder<ILgtColor>> back = rgb->NewLgtColorHold();
     TPlugRef<Holder<ILgtColor>> asXYZ = xyz->NewLgtColorHold();
     TPlugRef<Holder<ILgtColor>> asXYY = xyy->NewLgtColorHold();
     const double values[3] = {0.2 + seed, 0.5, 0.7 - seed};
     rgb->SetLgtColor(source->Color(), values);
-    r.values.push_back(spectral.ConvertColor(rgb, source->Color(), spec->Color()));
-    r.values.push_back(other.ConvertColor(&spectral, spec->Color(), resampled->Color()));
+    r.values.push_back(spectral.ConvertColor(rgb, source->Color(), spectrum->Color()));
+    r.values.push_back(other.ConvertColor(&spectral, spectrum->Color(), resampled->Color()));
     r.values.push_back(rgb->ConvertColor(&other, resampled->Color(), back->Color()));
-    r.values.push_back(xyz->ConvertColor(&spectral, spec->Color(), asXYZ->Color()));
+    r.values.push_back(xyz->ConvertColor(&spectral, spectrum->Color(), asXYZ->Color()));
     r.values.push_back(xyy->ConvertColor(xyz, asXYZ->Color(), asXYY->Color()));
-    r.values.push_back(spectral.ConvertColor(xyy, asXYY->Color(), spec->Color()));
+    r.values.push_back(spectral.ConvertColor(xyy, asXYY->Color(), spectrum->Color()));
     for (const auto* pair : {&spectral, &other}) {
         TVect3<double> v;
-        const Holder<ILgtColor>& c = pair == &spectral ? *spec.Get() : *resampled.Get();
+        const Holder<ILgtColor>& c = pair == &spectral ? *spectrum.Get() : *resampled.Get();
         r.values.push_back(pair->LgtColorToDisplayRGB(c.Color(), v));
         Add(r, v);
         r.values.push_back(pair->LgtColorToRGB(c.Color(), v, false, true));
