@@ -206,6 +206,16 @@ void RunHolderSave(const HolderOptions& o, std::ostream& out) {
 
     if (family == Family::Surface || family == Family::Scalar) {
         HeldColour colour(model, family == Family::Surface ? Kind::Surface : Kind::Scalar);
+        // A spectrum file gives one value per wavelength: for a Stokes surface it is element
+        // (0,0) of each Mueller matrix, the rest zero (the surface's intensity response, as the
+        // models read a surface's intensity; it depolarizes what it reflects).
+        if (own && family == Family::Surface && model->HasPolarization() &&
+            static_cast<int>(values.size()) == model->NWaves()) {
+            std::vector<double> mueller(values.size() * 16, 0.0);
+            for (std::size_t i = 0; i < values.size(); ++i)
+                mueller[16 * i] = values[i];
+            values = mueller;
+        }
         if (static_cast<int>(values.size()) != colour.ValueCount())
             UsageError("a " + std::string(FamilyName(family)) + " colour of " +
                        model->Name().c_str() + " takes " + std::to_string(colour.ValueCount()) +
