@@ -176,7 +176,7 @@ int Run(int argc, char** argv, ToolSink& sink) {
     HolderOptions holder;
     CLI::App* cHolder = app.add_subcommand(
         "holder", "Colour holders in plug files.\nExample: korvane holder save --model rgb "
-                  "--values 0.2 0.4 0.6 -o c.plug; korvane holder show c.plug");
+                  "--values 0.2 0.4 0.6 --matrix 2 2 -o c.plug; korvane holder show c.plug");
     cHolder->require_subcommand(1);
     CLI::App* cSave = cHolder->add_subcommand("save", "Write a holder to a plug file");
     cSave->add_option("--model", holder.model, "Model of the holder")->required();
