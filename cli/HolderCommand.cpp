@@ -154,11 +154,11 @@ void SetLight(const ColorModel* m, ILgtColor& c, const std::vector<double>& valu
 void RunHolderSave(const HolderOptions& o, std::ostream& out) {
     const std::string ident = ModelIdent(o.model);
     Family family = KindFrom(o.kind);
-    if (o.array != -1 || !o.matrix.empty()) {
+    if (o.array != kNoArray || !o.matrix.empty()) {
         if (family != Family::Light)
             UsageError("--array and --matrix hold light colours; --kind " + o.kind +
                        " cannot be combined with them");
-        if (o.array != -1 && !o.matrix.empty())
+        if (o.array != kNoArray && !o.matrix.empty())
             UsageError("--array and --matrix exclude each other");
         if (o.matrix.empty() && o.array < 1)
             UsageError("--array takes a count of at least 1");

@@ -3,6 +3,7 @@
 // plug files in either archive format, and any plug file's type and values.
 #pragma once
 
+#include <limits>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -13,10 +14,13 @@ namespace Korvane::Cli {
 // about as much on disk; `--array` and `--matrix` beyond it are refused as bad usage.
 inline constexpr long long kMaxHolderDoubles = 10000000;
 
+// `array` when --array was not given (any count the user gives, -1 included, is checked).
+inline constexpr int kNoArray = std::numeric_limits<int>::min();
+
 struct HolderOptions {
     std::string model;
     std::string kind = "light";      // light, surface, scalar, ray or dual
-    int array = -1;                  // --array N: N light colours, each the given colour
+    int array = kNoArray;            // --array N: N light colours, each the given colour
     std::vector<int> matrix;         // --matrix R C: R x C light colours
     std::vector<double> xort;        // --xort X Y Z: a Stokes ray colour's reference axis
     std::vector<std::string> values; // numbers, or one spectrum file for a spectral model

@@ -379,7 +379,7 @@ TEST(ToolHolder, RefusedShapesAndKindsAreUsageErrors) {
     const ErrorCase cases[] = {
         {"holder save --model rgb --matrix 0 0 --values 1 2 3 -o x", "", 2,
          "korvane: error: --matrix takes rows and columns of at least 1\n"},
-        {"holder save --model rgb --array 0 --values 1 2 3 -o x", "", 2,
+        {"holder save --model rgb --array -1 --values 1 2 3 -o x", "", 2,
          "korvane: error: --array takes a count of at least 1\n"},
         {"holder save --model rgb --kind blue --values 1 2 3 -o x", "", 2,
          "korvane: error: --kind takes light, surface, scalar, ray or dual, not 'blue'\n"},
