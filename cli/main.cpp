@@ -176,11 +176,15 @@ int Run(int argc, char** argv, ToolSink& sink) {
     HolderOptions holder;
     CLI::App* cHolder = app.add_subcommand(
         "holder", "Colour holders in plug files.\nExample: korvane holder save --model rgb "
-                  "--values 0.2 0.4 0.6 -o c.plug; korvane holder show c.plug");
+                  "--values 0.2 0.4 0.6 --matrix 2 2 -o c.plug; korvane holder show c.plug");
     cHolder->require_subcommand(1);
     CLI::App* cSave = cHolder->add_subcommand("save", "Write a holder to a plug file");
     cSave->add_option("--model", holder.model, "Model of the holder")->required();
-    cSave->add_option("--kind", holder.kind, "light (default), surface, scalar");
+    cSave->add_option("--kind", holder.kind, "light (default), surface, scalar, ray, dual");
+    cSave->add_option("--array", holder.array, "An array of N light colours, each the colour");
+    cSave->add_option("--matrix", holder.matrix, "A matrix of R x C light colours")->expected(2);
+    cSave->add_option("--xort", holder.xort, "The reference axis of a Stokes ray colour")
+        ->expected(3);
     cSave->add_option("--values", holder.values, "The colour's values, or one spectrum file")
         ->expected(1, CLI::detail::expected_max_vector_size)
         ->required();

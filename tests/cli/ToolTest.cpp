@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include <fstream>
+#include <set>
 #include <sstream>
 
 namespace Korvane::ToolTest {
@@ -222,6 +223,185 @@ struct ErrorCase {
     int code;
     const char* message;
 };
+
+// Every holder family (single colours of each kind, light arrays and matrices) of BW, RGB and
+// spectral models, unpolarized and Stokes, saved and shown back in both archive formats. `shown`
+// is what show prints after the type line; "{v}" stands for the values line of the given colour.
+struct HolderCase {
+    const char* args;
+    const char* type;
+    const char* shown;
+};
+
+TEST(ToolHolder, EveryFamilyRoundTripsInBothFormats) {
+    const std::string stokes = "1 0.5 0 0 2 0 0.25 0 3 0 0 -1";
+    const HolderCase cases[] = {
+        {"--model bw --kind scalar --values 0.25", "UBWScalarColorHold",
+         "model: UBW\nkind: scalar\nvalues (1): 0.25\n"},
+        {"--model rgb --kind ray --values 0.2 0.4 0.6", "URGBRayColorHold",
+         "model: URGB\nkind: ray\nvalues (3): 0.2 0.4 0.6\n"},
+        {"--model rgb --kind dual --values 0.2 0.4 0.6", "URGBDualLgtColorHold",
+         "model: URGB\nkind: dual\nvalues (3): 0.2 0.4 0.6\n"},
+        {"--model stokes-bw --kind ray --values 1 0.5 0 0", "StkBWRayColorHold",
+         "model: StkBW\nkind: ray\nvalues (4): 1 0.5 0 0\nxort: 1 0 0\n"},
+        {"--model stokes-rgb --kind ray --xort 0 0 1 --values 1 0.5 0 0 2 0 0.25 0 3 0 0 -1",
+         "StkRGBRayColorHold",
+         "model: StkRGB\nkind: ray\nvalues (12): 1 0.5 0 0 2 0 0.25 0 3 0 0 -1\nxort: 0 0 1\n"},
+        {"--model stokes-rgb --kind dual --values 1 0.5 0 0 2 0 0.25 0 3 0 0 -1",
+         "StkRGBDualLgtColorHold",
+         "model: StkRGB\nkind: dual\nvalues (12): 1 0.5 0 0 2 0 0.25 0 3 0 0 -1\n"},
+        {"--model bw --array 3 --values 0.5", "UBWArrayLgtColorHold",
+         "model: UBW\nkind: light array\nelements: 3\n[0] values (1): 0.5\n"
+         "[1] values (1): 0.5\n[2] values (1): 0.5\n"},
+        {"--model stokes-rgb --array 1 --values 1 0.5 0 0 2 0 0.25 0 3 0 0 -1",
+         "StkRGBArrayLgtColorHold",
+         "model: StkRGB\nkind: light array\nelements: 1\n"
+         "[0] values (12): 1 0.5 0 0 2 0 0.25 0 3 0 0 -1\n"},
+        {"--model rgb --matrix 2 3 --values 0.1 0.2 0.3", "URGBMatrixLgtColorHold",
+         "model: URGB\nkind: light matrix\nelements: 2 x 3\n[0,0] values (3): 0.1 0.2 0.3\n"
+         "[0,1] values (3): 0.1 0.2 0.3\n[0,2] values (3): 0.1 0.2 0.3\n"
+         "[1,0] values (3): 0.1 0.2 0.3\n[1,1] values (3): 0.1 0.2 0.3\n"
+         "[1,2] values (3): 0.1 0.2 0.3\n"},
+        {"--model stokes-bw --matrix 1 2 --values 1 0 0.5 0", "StkBWMatrixLgtColorHold",
+         "model: StkBW\nkind: light matrix\nelements: 1 x 2\n[0,0] values (4): 1 0 0.5 0\n"
+         "[0,1] values (4): 1 0 0.5 0\n"},
+    };
+    for (const HolderCase& c : cases) {
+        for (const char* format : {"binary", "text"}) {
+            SCOPED_TRACE(std::string(c.args) + " " + format);
+            const std::string file = TempFile(std::string("h.") + format, "");
+            ToolResult r = Tool(std::string("holder save ") + c.args + " --format " + format +
+                                " -o '" + file + "'");
+            ASSERT_EQ(r.code, 0) << r.err;
+            EXPECT_EQ(r.out, "wrote " + file + ": " + c.type + " (" + format + ")\n");
+            r = Tool("holder show '" + file + "'");
+            ASSERT_EQ(r.code, 0) << r.err;
+            EXPECT_EQ(r.out, std::string("type: ") + c.type + "\n" + c.shown);
+        }
+    }
+}
+
+// Spectral holders of every family: the file's 31 samples of 0.5 come back in every element; a
+// Stokes model takes them as S0 of unpolarized light.
+TEST(ToolHolder, SpectralFamiliesKeepTheFileSamples) {
+    std::string half, halfStokes;
+    for (int i = 0; i < 31; ++i) {
+        half += " 0.5";
+        halfStokes += " 0.5 0 0 0";
+    }
+    const std::string v = "values (31):" + half + "\n", vs = "values (124):" + halfStokes + "\n";
+    const HolderCase cases[] = {
+        {"--model spectral --kind dual", "USpectrDualLgtColorHold", "model: USpectr\nkind: dual\n"},
+        {"--model spectral --kind ray", "USpectrRayColorHold", "model: USpectr\nkind: ray\n"},
+        {"--model stokes-spectral --kind ray", "StkSpectrRayColorHold",
+         "model: StkSpectr\nkind: ray\n"},
+        {"--model stokes-spectral --kind dual", "StkSpectrDualLgtColorHold",
+         "model: StkSpectr\nkind: dual\n"},
+        {"--model spectral --array 2", "USpectrArrayLgtColorHold",
+         "model: USpectr\nkind: light array\nelements: 2\n"},
+        {"--model stokes-spectral --matrix 2 1", "StkSpectrMatrixLgtColorHold",
+         "model: StkSpectr\nkind: light matrix\nelements: 2 x 1\n"},
+    };
+    for (const HolderCase& c : cases) {
+        for (const char* format : {"binary", "text"}) {
+            SCOPED_TRACE(std::string(c.args) + " " + format);
+            const bool stokes = std::string(c.args).find("stokes") != std::string::npos;
+            const std::string& values = stokes ? vs : v;
+            std::string expected = std::string("type: ") + c.type + "\n" + c.shown;
+            if (std::string(c.shown).find("array") != std::string::npos)
+                expected += "[0] " + values + "[1] " + values;
+            else if (std::string(c.shown).find("matrix") != std::string::npos)
+                expected += "[0,0] " + values + "[1,0] " + values;
+            else
+                expected += values +
+                            (std::string(c.type) == "StkSpectrRayColorHold" ? "xort: 1 0 0\n" : "");
+            const std::string file = TempFile(std::string("s.") + format, "");
+            ToolResult r =
+                Tool(std::string("holder save ") + c.args + " --values '" +
+                     DataFile("patches.txt") + "' --format " + format + " -o '" + file + "'");
+            ASSERT_EQ(r.code, 0) << r.err;
+            r = Tool("holder show '" + file + "'");
+            ASSERT_EQ(r.code, 0) << r.err;
+            EXPECT_EQ(r.out, expected);
+        }
+    }
+}
+
+std::string Repeat(const std::string& text, int times) {
+    std::string out;
+    for (int i = 0; i < times; ++i)
+        out += text;
+    return out;
+}
+
+// All 42 holder types the plug-in registers can be written: 5 single kinds, the light array and
+// the light matrix, of each of the six models; each file shows back as its own type.
+TEST(ToolHolder, EveryHolderTypeCanBeWritten) {
+    const std::pair<const char*, const char*> models[] = {
+        {"bw", "0.5"},          {"stokes-bw", "1 0 0 0"},
+        {"rgb", "0.1 0.2 0.3"}, {"stokes-rgb", "1 0 0 0 1 0 0 0 1 0 0 0"},
+        {"spectral", ""},       {"stokes-spectral", ""}};
+    const char* shapes[] = {"--kind light", "--kind surface", "--kind scalar", "--kind ray",
+                            "--kind dual",  "--array 2",      "--matrix 2 2"};
+    std::set<std::string> types;
+    for (const auto& [model, light] : models) {
+        for (const char* shape : shapes) {
+            SCOPED_TRACE(std::string(model) + " " + shape);
+            // Surface colours of Stokes models are Mueller matrices (16 per channel); scalar
+            // colours are never polarized.
+            const std::string m = model;
+            const int channels = m.find("rgb") != std::string::npos ? 3 : 1;
+            std::string values = std::string(" --values ") + light;
+            if (*light == 0)
+                values = " --values '" + DataFile("patches.txt") + "'";
+            else if (std::string(shape) == "--kind surface" && m.rfind("stokes", 0) == 0)
+                values = " --values" + Repeat(" 0.5", 16 * channels);
+            else if (std::string(shape) == "--kind scalar")
+                values = " --values" + Repeat(" 0.5", channels);
+            const std::string file = TempFile("all.plug", "");
+            const ToolResult r = Tool(std::string("holder save --model ") + model + " " + shape +
+                                      values + " -o '" + file + "'");
+            ASSERT_EQ(r.code, 0) << r.err;
+            const ToolResult shown = Tool("holder show '" + file + "'");
+            ASSERT_EQ(shown.code, 0) << shown.err;
+            const std::string type = r.out.substr(r.out.rfind(": ") + 2);
+            EXPECT_EQ(shown.out.rfind("type: " + type.substr(0, type.find(' ')) + "\nmodel: ", 0),
+                      0u)
+                << shown.out;
+            EXPECT_EQ(shown.out.find("not shown"), std::string::npos) << shown.out;
+            types.insert(type);
+        }
+    }
+    EXPECT_EQ(types.size(), 42u);
+}
+
+TEST(ToolHolder, RefusedShapesAndKindsAreUsageErrors) {
+    const ErrorCase cases[] = {
+        {"holder save --model rgb --matrix 0 0 --values 1 2 3 -o x", "", 2,
+         "korvane: error: --matrix takes rows and columns of at least 1\n"},
+        {"holder save --model rgb --array -1 --values 1 2 3 -o x", "", 2,
+         "korvane: error: --array takes a count of at least 1\n"},
+        {"holder save --model rgb --kind blue --values 1 2 3 -o x", "", 2,
+         "korvane: error: --kind takes light, surface, scalar, ray or dual, not 'blue'\n"},
+        {"holder save --model rgb --kind surface --array 2 --values 1 2 3 -o x", "", 2,
+         "korvane: error: --array and --matrix hold light colours; --kind surface cannot be "
+         "combined with them\n"},
+        {"holder save --model rgb --kind ray --xort 0 1 0 --values 1 2 3 -o x", "", 2,
+         "korvane: error: --xort applies to the ray colours of Stokes models only\n"},
+        {"holder save --model stokes-rgb --kind dual --values 1 2 3 -o x", "", 2,
+         "korvane: error: a dual colour of StkRGB takes 12 values, got 3\n"},
+        {"holder save --model bw --array 10000001 --values 1 -o x", "", 2,
+         "korvane: error: 10000001 colours of 1 values exceed the tool's limit of 10000000 "
+         "values in one holder\n"},
+    };
+    for (const ErrorCase& c : cases) {
+        SCOPED_TRACE(c.args);
+        const ToolResult r = Tool(c.args, c.input);
+        EXPECT_EQ(r.code, c.code);
+        EXPECT_EQ(r.err, c.message);
+        EXPECT_EQ(r.out, "");
+    }
+}
 
 TEST(ToolErrors, EveryPathSaysWhatAndExitsWithItsCode) {
     const ErrorCase cases[] = {
