@@ -139,6 +139,14 @@ int SpectralModel<Pol>::RenewConverter(const CIEConv* conv) {
     cieGrid_ = conv ? conv->ResolveGrid(GetWaveLengths()) : CIEGrid();
     if (!conv_)
         return User()->ErrorNoMemory(-1);
+    // The converter copies the grid in its constructor, which cannot fail; a copy that ran out
+    // of memory leaves it on another grid, and converting through it would read past its tables.
+    // That is the same failure as no converter at all.
+    if (!conv_->Wavelengths().IsEqual(GetWaveLengths())) {
+        conv_ = nullptr;
+        cieGrid_ = CIEGrid();
+        return User()->ErrorNoMemory(-1);
+    }
     conv_->PrepareForLight(); // a failure is not reported: conversions prepare again
     return 0;
 }
