@@ -150,13 +150,13 @@ TEST_F(FaultSweep, ConverterChangeAndConversions) {
         const Balance balance;
         {
             TPlugRef<Holder<ILgtColor>> from = rgb->NewLgtColorHold();
-            TPlugRef<Holder<ILgtColor>> spec = spectral->NewLgtColorHold();
+            TPlugRef<Holder<ILgtColor>> spectrum = spectral->NewLgtColorHold();
             TPlugRef<Holder<ILgtColor>> back = xyz->NewLgtColorHold();
-            if (from && spec && back) {
+            if (from && spectrum && back) {
                 const double values[3] = {0.25, 0.5, 0.75};
                 rgb->SetLgtColor(from->Color(), values);
-                for (int result : {spectral->ConvertColor(rgb, from->Color(), spec->Color()),
-                                   xyz->ConvertColor(spectral, spec->Color(), back->Color())}) {
+                for (int result : {spectral->ConvertColor(rgb, from->Color(), spectrum->Color()),
+                                   xyz->ConvertColor(spectral, spectrum->Color(), back->Color())}) {
                     if (result != 0 && result != -1) {
                         EXPECT_TRUE(result == kNoMemoryCode || result == kErrorMessageCode ||
                                     result == kInternalErrorCode)
@@ -165,7 +165,7 @@ TEST_F(FaultSweep, ConverterChangeAndConversions) {
                     }
                 }
                 TVect3<double> v;
-                spectral->LgtColorToDisplayRGB(spec->Color(), v);
+                spectral->LgtColorToDisplayRGB(spectrum->Color(), v);
             }
         }
         balance.Expect(where);
