@@ -52,13 +52,15 @@ Family KindFrom(const std::string& name) {
 }
 
 // Light values of a spectral dual-light colour: its distribution's doubles, read or written in
-// place (the distribution's storage accessors are inline in the plug-in's headers).
+// place, through the storage view's own accessors (host templates): the distribution's members
+// are the plug-in's, which the tool does not link.
 template <class Pol>
 double* DualValues(IDualLgtColor& c, int& count) {
     auto& v = ColourAccess::Value<SpectralModel<Pol>>(c);
     using Comp = typename std::decay_t<decltype(v)>::Component;
     count = v.Count() * Comp::kSize;
-    return v.Values();
+    auto* data = v.Distr().Data();
+    return data ? data[0].v : nullptr;
 }
 
 double* DualValues(const ColorModel* m, IDualLgtColor& c, int& count) {
@@ -82,7 +84,8 @@ std::vector<double> LightValues(const ColorModel* m, ILgtColor& c) {
     }
     const auto take = [](auto& v) {
         using Comp = typename std::decay_t<decltype(v)>::Component;
-        const double* d = v.Values();
+        const auto* data = v.Distr().Data(); // not Values(): the plug-in's member, not linked
+        const double* d = data ? data[0].v : nullptr;
         return d ? std::vector<double>(d, d + v.Count() * Comp::kSize) : std::vector<double>();
     };
     return m->HasPolarization() ? take(ColourAccess::Value<SpectralModel<StokesPolarization>>(c))
