@@ -231,7 +231,9 @@ TYPED_TEST(FaultSweepHolders, CreatingSlots) {
         {"ray array", [m] { return m->NewArrayRayColorHold(); }},
         {"array of 4", [m] { return m->NewArrayLgtColorHold(4); }},
     };
-    for (const auto& [name, make] : slots) {
+    for (const auto& slot : slots) {
+        const char* const name = slot.first;
+        const auto& make = slot.second;
         const PlugRef plain(make());
         ASSERT_TRUE(plain) << name;
         const bool serializable = plain.Get()->ObjType() != nullptr;
@@ -257,7 +259,9 @@ TYPED_TEST(FaultSweepHolders, CreatingSlots) {
 
 // Clones of filled holders: null without a report, or a copy that writes the same bytes.
 TYPED_TEST(FaultSweepHolders, Clones) {
-    for (const auto& [name, fill] : FilledHolders<TypeParam>()) {
+    for (const auto& holder : FilledHolders<TypeParam>()) {
+        const char* const name = holder.first;
+        const auto& fill = holder.second;
         const PlugRef original = fill();
         const std::string want = Write(*original.Get(), ArchiveFormat::Binary);
         Sweep([&](Window& w, const std::string& where) {
@@ -276,7 +280,9 @@ TYPED_TEST(FaultSweepHolders, Clones) {
 // Filled holders read back through their type in both formats: the type makes nothing (null),
 // the archive names the failure, or the holder read writes the bytes it was read from.
 TYPED_TEST(FaultSweepHolders, ArchiveLoads) {
-    for (const auto& [name, fill] : FilledHolders<TypeParam>()) {
+    for (const auto& holder : FilledHolders<TypeParam>()) {
+        const char* const name = holder.first;
+        const auto& fill = holder.second;
         const PlugRef original = fill();
         PlugType* type = original.Get()->ObjType();
         for (ArchiveFormat format : {ArchiveFormat::Binary, ArchiveFormat::Text}) {
