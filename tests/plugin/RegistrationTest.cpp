@@ -250,7 +250,7 @@ TEST(Registration, ARefusedModelStopsRegistrationAndIsNotMadeImplicit) {
 // DllMain tells the host of the module on process attach only, and answers 1 for every reason.
 TEST(Registration, DllMainReportsTheModuleOnProcessAttachOnly) {
     int token = 0;
-    void* const module = &token;
+    const auto module = reinterpret_cast<HINSTANCE>(&token); // any handle: it is only passed on
     const int calls = PluginLoadingCalls();
     for (unsigned long reason : {0ul, 2ul, 3ul, 7ul})
         EXPECT_EQ(DllMain(module, reason, nullptr), 1) << reason;
