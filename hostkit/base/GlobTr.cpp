@@ -1,5 +1,6 @@
 #include "hostkit/base/GlobTr.h"
 
+#include <list>
 #include <map>
 #include <mutex>
 #include <string>
@@ -14,6 +15,7 @@ struct TrState {
     std::mutex mutex;
     std::map<Key, std::string> table;
     std::map<Key, int> lookups;
+    std::list<std::string> withdrawn; // translations handed out once stay alive for the process
 };
 
 TrState& State() {
@@ -31,7 +33,8 @@ const char* GlobTr(const char* context, const char* text, const void* /*reserved
     Key key{context ? context : "", text};
     ++st.lookups[key];
     auto it = st.table.find(key);
-    // Entries are never erased, so the returned pointer stays valid for the process.
+    // A withdrawn entry's text is kept (Withdraw), so the returned pointer stays valid for the
+    // process.
     return it == st.table.end() ? text : it->second.c_str();
 }
 
@@ -43,6 +46,15 @@ void Add(const char* context, const char* text, const char* translation) {
     // Replacing would invalidate pointers already handed out; the first translation stays.
     if (slot.empty())
         slot = translation ? translation : "";
+}
+void Withdraw(const char* context, const char* text) {
+    TrState& st = State();
+    std::lock_guard<std::mutex> lock(st.mutex);
+    auto it = st.table.find(Key{context ? context : "", text ? text : ""});
+    if (it == st.table.end())
+        return;
+    st.withdrawn.push_back(std::move(it->second)); // a moved string may keep its buffer: keep it
+    st.table.erase(it);
 }
 void Clear() {
     TrState& st = State();

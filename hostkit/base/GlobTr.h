@@ -12,6 +12,9 @@ namespace Translations {
 // Installs the translation of `text` under `context`; the first one installed stays (the
 // pointers handed out by GlobTr remain valid for the process).
 KOR_HOST_API void Add(const char* context, const char* text, const char* translation);
+// Takes the translation of `text` under `context` out of the table (the text goes back to being
+// shown untranslated); what GlobTr handed out for it stays valid.
+KOR_HOST_API void Withdraw(const char* context, const char* text);
 // Forgets the lookup counts; installed translations stay.
 KOR_HOST_API void Clear();
 // How often (context, text) was looked up since the last Clear: lets a test see under which

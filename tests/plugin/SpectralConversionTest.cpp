@@ -364,7 +364,8 @@ TEST_F(SpectralConversion, EveryFailureReportsItsTextKindAndContext) {
     auto stokesSurfaceOut = Make<SurfColor<SSpec>>(11);
     EXPECT_EQ(s_->ConvertColor(rgb_.Get(), rgbSurface, stokesSurfaceOut), kErrorMessageCode);
     EXPECT_EQ(Last(), "surface refused (Stokes)");
-    Translations::Clear(); // the table is process-wide: later tests see the untranslated texts
+    // The table is process-wide: later tests in this process see the untranslated text again.
+    Translations::Withdraw(kStkContext, "Not supported spectral surface color conversion");
 }
 
 // Named edges: a colour from a model on the same grid is copied sample for sample, +inf
