@@ -17,7 +17,8 @@ tested=$(date +%s)
 # CR LF, and the line naming the plug-in file (a .so path, a .dll path) differs by nature.
 cmake --preset default >/dev/null
 cmake --build --preset default -j"$(nproc)" --target korvane
-wine_cmd=$(command -v /usr/lib/wine/wine64 wine64 wine 2>/dev/null | head -n1)
+# The first Wine found (no pipe into head: with pipefail its early exit would fail the script).
+wine_cmd=$(for c in /usr/lib/wine/wine64 wine64 wine; do command -v "$c" && break; done)
 for args in "" "--csv"; do
   linux_out="build/windows/korvane-linux${args}.txt"
   wine_out="build/windows/korvane-wine${args}.txt"
