@@ -86,6 +86,15 @@ int CIEConv::Impl::LightXYZ(const TArray<double>& waves, const double* s, int co
     return r;
 }
 
+int CIEConv::Impl::LightXYZ(const CIEGrid& grid, const TArray<double>& waves, const double* s,
+                            int count, TVect3<double>& xyz) const {
+    const auto* t = static_cast<const Cie::GridTables*>(grid.Tables());
+    if (grid.Owner() != serial || !t || t->n != count || waves.Count() != count)
+        return LightXYZ(waves, s, count, xyz);
+    xyz = Cie::LightXYZ(*t, s);
+    return 0;
+}
+
 int CIEConv::Impl::ReflectanceXYZ(const TArray<double>& waves, const double* r, int count,
                                   TVect3<double>& xyz) const {
     Cie::GridTablesRef t;
@@ -194,6 +203,11 @@ int CIEConv::spectrum2xyz(const TArray<double>& waves, const TArray<double>& s,
 int CIEConv::spectrum2xyz(const TArray<double>& waves, const BArray<double>& s,
                           TVect3<double>& xyz) {
     return Current()->impl_->LightXYZ(waves, s.Data(), s.Count(), xyz);
+}
+
+int CIEConv::spectrum2xyz(const CIEGrid& grid, const TArray<double>& waves, const BArray<double>& s,
+                          TVect3<double>& xyz) {
+    return Current()->impl_->LightXYZ(grid, waves, s.Data(), s.Count(), xyz);
 }
 
 int CIEConv::spectrum2xyzAttr(const TArray<double>& waves, const TArray<double>& r,

@@ -84,6 +84,10 @@ public:
                             TVect3<double>& xyz);
     static int spectrum2xyz(const TArray<double>& waves, const BArray<double>& s,
                             TVect3<double>& xyz);
+    // The same with the tables of `waves` resolved beforehand (ResolveGrid): when `grid` was
+    // resolved by the current converter for s.Count() points, the grid is not looked up.
+    static int spectrum2xyz(const CIEGrid& grid, const TArray<double>& waves,
+                            const BArray<double>& s, TVect3<double>& xyz);
     // Reflectance under D65: integral r D65 cmf / integral D65 ybar over the grid's own range, so
     // a perfect white reflector has Y = 1 on every grid. Non-zero when the grid sees no light.
     static int spectrum2xyzAttr(const TArray<double>& waves, const TArray<double>& r,

@@ -25,6 +25,10 @@ struct KOR_CIE_INTERNAL CIEConv::Impl {
 
     int LightXYZ(const TArray<double>& waves, const double* s, int count,
                  TVect3<double>& xyz) const;
+    // The same with tables resolved beforehand, when `grid` is this converter's and of count
+    // points.
+    int LightXYZ(const CIEGrid& grid, const TArray<double>& waves, const double* s, int count,
+                 TVect3<double>& xyz) const;
     int ReflectanceXYZ(const TArray<double>& waves, const double* r, int count,
                        TVect3<double>& xyz) const;
     int ReflectanceRGB(const TArray<double>& waves, const double* r, int count,

@@ -14,6 +14,7 @@
 // plane_r[i] r + plane_g[i] g + plane_b[i] b, a loop over i like any plain array loop.
 #pragma once
 
+#include "hostkit/base/Kernels.h"
 #include "hostkit/base/Vectors.h"
 #include "hostkit/cie/CieTables.h"
 
@@ -61,12 +62,7 @@ GridTables* BuildGridTables(const double* waves, int n, const CmfTable& cmf,
 
 // out[c] = sum_i s_i rows[i][c], each channel summed in index order.
 inline void SumRows(const double* s, const double* rows, int n, double out[kRow]) {
-    double acc[kRow] = {0.0, 0.0, 0.0, 0.0};
-    for (int i = 0; i < n; ++i)
-        for (int c = 0; c < kRow; ++c)
-            acc[c] += s[i] * rows[kRow * i + c];
-    for (int c = 0; c < kRow; ++c)
-        out[c] = acc[c];
+    Kernels::SumRows4(s, 1, rows, n, out);
 }
 
 inline TVect3<double> LightXYZ(const GridTables& t, const double* s) {
@@ -99,14 +95,10 @@ inline bool ReflectanceRGB(const GridTables& t, const TMatrix3& xyz2rgb, const d
     return true;
 }
 
-// The samples of the spectrum reconstructed from rgb with the three reconstruction planes.
+// The samples of the spectrum reconstructed from rgb with the three reconstruction planes:
+// out[i] = plane_r[i] r + plane_g[i] g + plane_b[i] b.
 inline void Reconstruct(const double* planes, int n, const TVect3<double>& rgb, double* out) {
-    const double r = rgb.x, g = rgb.y, b = rgb.z;
-    const double* pr = planes;
-    const double* pg = planes + n;
-    const double* pb = planes + 2 * n;
-    for (int i = 0; i < n; ++i)
-        out[i] = pr[i] * r + pg[i] * g + pb[i] * b;
+    Kernels::Combine3(planes, planes + n, planes + 2 * n, rgb.x, rgb.y, rgb.z, out, n);
 }
 
 } // namespace Korvane::Cie

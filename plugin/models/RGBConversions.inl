@@ -147,6 +147,17 @@ TVect3<double> SpectrumRGB(const MArray<double>& waves, const S& spectrum) {
     return RGBOps::ApplyM(xyz);
 }
 
+// The same for the whole light of a spectral source read in place, through the source's own
+// converter tables when it has them (no lookup of the grid).
+inline TVect3<double> SpectrumRGB(const ColorModel& src, const BArray<double>& spectrum) {
+    TVect3<double> xyz(0.0, 0.0, 0.0);
+    if (const CIEGrid* grid = GridTablesOf(src))
+        CIEConv::spectrum2xyz(*grid, src.GetWaveLengths(), spectrum, xyz);
+    else
+        CIEConv::spectrum2xyz(src.GetWaveLengths(), spectrum, xyz);
+    return RGBOps::ApplyM(xyz);
+}
+
 } // namespace RGBConversion
 
 template <class Pol>
@@ -245,7 +256,7 @@ int RGBModel<Pol>::ConvertColor(const ColorModel* src, const ILgtColor& from, IL
         } else if (const double* inPlace = WholeLight(src, from)) {
             // Read where it is: no scratch array when nothing would be copied.
             const BArray<double> spectrum(const_cast<double*>(inPlace), src->NWaves());
-            RGBOps::SetIntensities(out, SpectrumRGB(src->GetWaveLengths(), spectrum));
+            RGBOps::SetIntensities(out, SpectrumRGB(*src, spectrum));
         } else {
             TArray<double> spectrum(10);
             const auto read = [](const ColorModel& m, const ILgtColor& c, double* values) {

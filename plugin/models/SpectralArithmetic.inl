@@ -49,8 +49,9 @@ void Scale(Comp& c, double f) {
 template <class D>
 void ScaleByTable(D& d, const MArray<double>& factors, int n) {
     const IndexRange r = StoredBand(d, n < factors.Count() ? n : factors.Count());
-    for (int k = r.lo; k <= r.hi; ++k)
-        Scale(d[k], factors[k]);
+    if (r.lo <= r.hi)
+        Kernels::Scale(d.Values() + r.lo * D::Component::kSize, D::Component::kSize,
+                       factors.Data() + r.lo, r.hi - r.lo + 1);
 }
 
 // Every band value of the distribution times f.
@@ -147,11 +148,8 @@ void SpectralModel<Pol>::ClampLgtColor(ILgtColor& c) const {
             if (d[k][0] < 0.0)
                 d[k] = typename Pol::LightComp{};
     } else if (r.lo <= r.hi) {
-        // One select per value, no branch: a loop the compiler vectorises. A NaN and -0.0 are
-        // kept, as the test `v < 0.0` leaves them.
-        double* v = d.Values();
-        for (int k = r.lo; k <= r.hi; ++k)
-            v[k] = v[k] < 0.0 ? 0.0 : v[k];
+        // v < 0.0 ? 0.0 : v over the band, a NaN and -0.0 kept (Kernels.h).
+        Kernels::ClampNegatives(d.Values() + r.lo, r.hi - r.lo + 1);
     }
 }
 

@@ -236,11 +236,7 @@ int ReconstructLightInPlace(const SpectralModel<Pol>& model, TVect3<double> v, b
 // wavelength's ray weight (Stokes: all four doubles).
 template <class Pol, class D>
 void ApplyRayWeights(const SpectralModel<Pol>& model, D& d) {
-    const MArray<double>& w = model.GetWeights();
-    for (int k = 0; k < model.NWaves(); ++k)
-        if (d.InBand(k))
-            for (int c = 0; c < D::Component::kSize; ++c)
-                d[k][c] *= w[k];
+    SpectralArithmetic::ScaleByTable(d, model.GetWeights(), model.NWaves());
 }
 
 } // namespace SpectralConversion

@@ -11,6 +11,7 @@
 // spectrum2rgbAttr. With Stokes polarization every route reads the intensity I.
 #pragma once
 
+#include "hostkit/base/Kernels.h"
 #include "hostkit/base/User.h"
 #include "plugin/models/ColourMath.h"
 #include "plugin/models/XYZModel.h"
@@ -25,14 +26,10 @@ constexpr double kLuminousEfficacy = 683.0;
 // sum_k values[k * stride] table[k], k ascending from 0 to n - 1.
 inline TVect3<double> Response(const TArray<RGBColourDistr<double>>& table, const double* values,
                                int stride, int n) {
-    TVect3<double> sum(0.0, 0.0, 0.0);
-    for (int k = 0; k < n; ++k) {
-        const double v = values[k * stride];
-        sum.x += v * table[k].r;
-        sum.y += v * table[k].g;
-        sum.z += v * table[k].b;
-    }
-    return sum;
+    static_assert(sizeof(RGBColourDistr<double>) == 3 * sizeof(double), "rows of three doubles");
+    double sum[3];
+    Kernels::SumRows3(values, stride, reinterpret_cast<const double*>(table.Data()), n, sum);
+    return {sum[0], sum[1], sum[2]};
 }
 
 // Whether `table` has the n rows that a sum over n values reads. Every reader of a converter's

@@ -3,11 +3,14 @@
 // Spectral*.inl files included below.
 #include "plugin/models/SpectralModel.h"
 
+#include "hostkit/base/Kernels.h"
 #include "hostkit/base/User.h"
 #include "hostkit/cie/CIEConvAll.h"
 #include "plugin/colour/ColourValues.h"
 #include "plugin/frame/LibraryObjects.h"
 #include "plugin/models/ColourAccess.h"
+
+#include <typeinfo>
 
 namespace Korvane {
 namespace {
@@ -163,5 +166,11 @@ namespace Korvane {
 
 template class SpectralModel<Unpolarized>;
 template class SpectralModel<StokesPolarization>;
+
+const CIEGrid* GridTablesOf(const ColorModel& model) {
+    if (typeid(model) != typeid(SpectralModel<Unpolarized>))
+        return nullptr;
+    return &static_cast<const SpectralModel<Unpolarized>&>(model).GridTables();
+}
 
 } // namespace Korvane

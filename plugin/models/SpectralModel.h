@@ -178,4 +178,9 @@ private:
 extern template class SpectralModel<Unpolarized>;
 extern template class SpectralModel<StokesPolarization>;
 
+// The converter tables of `model` when it is an unpolarized spectral model of this library (its
+// GridTables), else null: what conversions out of its light colours read without looking the
+// grid up. A test of the object's type, no virtual call.
+KOR_PLUGIN_API const CIEGrid* GridTablesOf(const ColorModel& model);
+
 } // namespace Korvane

@@ -94,8 +94,11 @@ int SpectralXYZ(const ColorModel& src, const I& from, TVect3<double>& xyz) {
         if (!src.HasPolarization()) {
             const auto& d = Value<SpectralModel<Unpolarized>>(from).Distr();
             if (n >= 1 && d.Count() == n && d.First() <= 0 && d.Last() >= n - 1) {
-                CIEConv::spectrum2xyz(src.GetWaveLengths(),
-                                      BArray<double>(const_cast<double*>(d.Values()), n), xyz);
+                const BArray<double> inPlace(const_cast<double*>(d.Values()), n);
+                if (const CIEGrid* grid = GridTablesOf(src))
+                    CIEConv::spectrum2xyz(*grid, src.GetWaveLengths(), inPlace, xyz);
+                else
+                    CIEConv::spectrum2xyz(src.GetWaveLengths(), inPlace, xyz);
                 return 0;
             }
         }

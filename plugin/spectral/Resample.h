@@ -8,7 +8,9 @@
 // Two forms. ResampleSpectrum walks the target grid once, keeps the current source interval and
 // its reciprocal width, and finds a new interval (a guess that grids which line up confirm, else a
 // few steps, else bisection) only when a target wavelength passes the interval's right end; equal
-// grids are copied bit for bit. Whatever way an interval is found, it is the one bisection
+// grids are copied bit for bit; targets that all fall on source samples a fixed number of steps
+// apart (grids that line up) skip the walk and take the samples (OnSamples). Whatever way an
+// interval is found, it is the one bisection
 // finds, so every value is (1 - u) v[j] + u v[j+1] with u = (t - s[j]) * (1 / (s[j+1] - s[j])). It
 // reads and writes colour components through a layout (SpectrumLayout), so the one walk serves
 // plain values, Stokes vectors and Mueller matrices. ResampleValues is the plain-array form: one
@@ -16,6 +18,7 @@
 // rounding of u (a multiplication by the reciprocal width against a division).
 #pragma once
 
+#include "hostkit/base/Kernels.h"
 #include "hostkit/base/containers/TArray.h"
 #include "plugin/PluginExport.h"
 
@@ -69,6 +72,16 @@ public:
             to[c] = from ? from[c] : 0.0;
         for (int c = kCarried; c < kTarget; ++c)
             to[c] = 0.0;
+    }
+    // Targets lo .. lo+count-1 on source samples first, first+step, ...: Lerp with u = 0, which
+    // is what the walk computes for a target found anew on its interval's left end.
+    void LerpOnSamples(int lo, int count, int first, int step) {
+        if constexpr (kSource == 1 && kTarget == 1 && !kBanded) {
+            Kernels::PickExact(source_, first, step, target_ + lo, count);
+        } else {
+            for (int i = 0; i < count; ++i)
+                Lerp(lo + i, first + step * i, 0.0);
+        }
     }
     // Target component i = (1 - u) source j + u source j+1.
     void Lerp(int i, int j, double u) {
@@ -172,6 +185,69 @@ int Walk(const double* s, int m, const double* t, int lo, int hi, const TArray<d
     return 0;
 }
 
+// Whether the targets lo..hi (strictly inside the source range) lie exactly on source samples
+// `step` apart, target lo on sample `first`: grids of one step whose points line up, or a target
+// step a whole multiple of the source's. Every interval that starts on such a sample is at least
+// DBL_MIN wide, so that its reciprocal is finite and 0 times it is 0, as in the walk. One
+// bisection per end, then one comparison per target; false at the first target off its sample.
+inline bool OnSamples(const TArray<double>& grid, const double* t, int lo, int hi, int& first,
+                      int& step) {
+    const double* s = grid.Data();
+    const int m = grid.Count();
+    first = CountNotAbove(grid, t[lo]) - 1;
+    const int last = CountNotAbove(grid, t[hi]) - 1;
+    step = 0;
+    if (first < 0 || last > m - 2) // only on a grid that does not ascend
+        return false;
+    if (hi > lo) {
+        if ((last - first) % (hi - lo) != 0)
+            return false;
+        step = (last - first) / (hi - lo);
+        if (step < 1)
+            return false;
+    }
+    int j = first;
+    for (int i = lo; i <= hi; ++i, j += step)
+        if (!(s[j] == t[i] && s[j + 1] - s[j] >= std::numeric_limits<double>::min()))
+            return false;
+    return true;
+}
+
+// The walk over targets that lie on source samples (OnSamples), without its searches. A target
+// found anew sits at the left end of its interval: u = 0, the value (1 - 0) v[k] + 0 v[k+1]. But
+// the walk keeps an interval while a target does not pass its right end, so a target equal to
+// that right end stays, with u = w (1 / w) (1, or just below): the first target when the walk's
+// starting interval `j0` (the one of t[0]) ends on it, and on grids of one step every target
+// after one found anew. The reciprocal width is computed when the width changes, as in the walk.
+template <class Layout>
+void WalkOnSamples(const double* s, const double* t, int j0, int lo, int hi, int first, int step,
+                   Layout& layout) {
+    double width = std::numeric_limits<double>::quiet_NaN(); // equal to no width
+    double reciprocalWidth = 0.0;
+    const auto stay = [&](int i, int j) {
+        const double w = s[j + 1] - s[j];
+        if (!(w == width)) {
+            width = w;
+            reciprocalWidth = 1.0 / width;
+        }
+        layout.Lerp(i, j, (t[i] - s[j]) * reciprocalWidth);
+    };
+    int i = lo;
+    if (j0 >= 0 && j0 + 1 == first)
+        stay(i++, j0);
+    if (step > 1) {
+        if (i <= hi)
+            layout.LerpOnSamples(i, hi - i + 1, first + step * (i - lo), step);
+        return;
+    }
+    for (; i <= hi; i += 2) {
+        const int k = first + (i - lo);
+        layout.Lerp(i, k, 0.0);
+        if (i + 1 <= hi)
+            stay(i + 1, k);
+    }
+}
+
 template <class Layout>
 int Resample(const TArray<double>& s, const TArray<double>& t, Layout& layout) {
     const int m = s.Count();
@@ -200,6 +276,11 @@ int Resample(const TArray<double>& s, const TArray<double>& t, Layout& layout) {
     int hi = n - 1;
     for (; hi >= lo && tv[hi] >= sv[m - 1]; --hi)
         layout.Copy(hi, m - 1);
+    int first = 0, step = 0;
+    if (hi >= lo && OnSamples(s, tv, lo, hi, first, step)) {
+        WalkOnSamples(sv, tv, CountNotAbove(s, tv[0]) - 1, lo, hi, first, step, layout);
+        return 0;
+    }
     return Walk(sv, m, tv, lo, hi, s, layout);
 }
 
