@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstring>
+#include <limits>
 
 // The AVX2 body exists where the compiler can build it beside the baseline and the process can
 // ask the processor for it: GCC or clang on x86-64, outside Windows (mingw-w64 does not keep the
@@ -148,6 +149,53 @@ KOR_KERNEL_BODY void PickExactBody(const double* v, int first, int step, double*
         out[i] = p[i * step] + 0.0 * p[i * step + 1];
 }
 
+KOR_KERNEL_BODY bool SamplesMatchBody(const double* s, const double* t, int first, int step, int n,
+                                      double& width) {
+    const double* p = s + first;
+    const double w0 = n > 0 ? p[1] - p[0] : 0.0;
+    const double floor = std::numeric_limits<double>::min();
+    bool on = true, same = true;
+    int i = 0;
+    V4 at{}, next{}, target{}, w{};
+    const V4 vw0 = V4{w0, w0, w0, w0}, vfloor = V4{floor, floor, floor, floor};
+    for (; i + 4 <= n && on; i += 4) {
+        const double* q = p + step * i;
+        at = V4{q[0], q[step], q[2 * step], q[3 * step]};
+        next = V4{q[1], q[step + 1], q[2 * step + 1], q[3 * step + 1]};
+        Load(target, t + i);
+        w = next - at;
+        const auto hit = (at == target) & (w >= vfloor);
+        const auto equal = w == vw0;
+        on = hit[0] && hit[1] && hit[2] && hit[3];
+        same = same && equal[0] && equal[1] && equal[2] && equal[3];
+    }
+    for (; i < n && on; ++i) {
+        const double* q = p + step * i;
+        const double wi = q[1] - q[0];
+        on = q[0] == t[i] && wi >= floor;
+        same = same && wi == w0;
+    }
+    width = same ? w0 : std::numeric_limits<double>::quiet_NaN();
+    return on;
+}
+
+KOR_KERNEL_BODY void LerpPairsBody(const double* v, double u, double* out, int n) {
+    const double keep = 1.0 - u;
+    const V4 left = V4{1.0, keep, 1.0, keep}, right = V4{0.0, u, 0.0, u};
+    V4 x{}, a{}, b{};
+    int i = 0;
+    for (; i + 4 <= n; i += 4) {
+        Load(x, v + i);
+        a = V4{x[0], x[0], x[2], x[2]};
+        b = V4{x[1], x[1], x[3], x[3]};
+        Store(out + i, a * left + b * right);
+    }
+    for (; i < n; ++i) {
+        const int p = i & ~1;
+        out[i] = (i & 1) ? keep * v[p] + u * v[p + 1] : 1.0 * v[p] + 0.0 * v[p + 1];
+    }
+}
+
 // The kernels of one body.
 struct Table {
     void (*combine3)(const double*, const double*, const double*, double, double, double, double*,
@@ -157,6 +205,8 @@ struct Table {
     void (*sumRows3)(const double*, int, const double*, int, double*);
     void (*scale)(double*, int, const double*, int);
     void (*pickExact)(const double*, int, int, double*, int);
+    bool (*samplesMatch)(const double*, const double*, int, int, int, double&);
+    void (*lerpPairs)(const double*, double, double*, int);
 };
 
 namespace baseline {
@@ -179,7 +229,14 @@ void Scale(double* v, int stride, const double* w, int n) {
 void PickExact(const double* v, int first, int step, double* out, int n) {
     PickExactBody(v, first, step, out, n);
 }
-constexpr Table kTable{Combine3, Clamp, SumRows4, SumRows3, Scale, PickExact};
+bool SamplesMatch(const double* s, const double* t, int first, int step, int n, double& width) {
+    return SamplesMatchBody(s, t, first, step, n, width);
+}
+void LerpPairs(const double* v, double u, double* out, int n) {
+    LerpPairsBody(v, u, out, n);
+}
+constexpr Table kTable{Combine3, Clamp,     SumRows4,     SumRows3,
+                       Scale,    PickExact, SamplesMatch, LerpPairs};
 } // namespace baseline
 
 #if KOR_KERNELS_AVX2
@@ -204,8 +261,16 @@ KOR_AVX2 void Scale(double* v, int stride, const double* w, int n) {
 KOR_AVX2 void PickExact(const double* v, int first, int step, double* out, int n) {
     PickExactBody(v, first, step, out, n);
 }
+KOR_AVX2 bool SamplesMatch(const double* s, const double* t, int first, int step, int n,
+                           double& width) {
+    return SamplesMatchBody(s, t, first, step, n, width);
+}
+KOR_AVX2 void LerpPairs(const double* v, double u, double* out, int n) {
+    LerpPairsBody(v, u, out, n);
+}
 #undef KOR_AVX2
-constexpr Table kTable{Combine3, Clamp, SumRows4, SumRows3, Scale, PickExact};
+constexpr Table kTable{Combine3, Clamp,     SumRows4,     SumRows3,
+                       Scale,    PickExact, SamplesMatch, LerpPairs};
 } // namespace avx2
 #endif
 
@@ -264,6 +329,14 @@ void Scale(double* v, int stride, const double* w, int n) {
 
 void PickExact(const double* v, int first, int step, double* out, int n) {
     Body().pickExact(v, first, step, out, n);
+}
+
+bool SamplesMatch(const double* s, const double* t, int first, int step, int n, double& width) {
+    return Body().samplesMatch(s, t, first, step, n, width);
+}
+
+void LerpPairs(const double* v, double u, double* out, int n) {
+    Body().lerpPairs(v, u, out, n);
 }
 
 Isa Active() {

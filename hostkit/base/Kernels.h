@@ -40,6 +40,19 @@ KOR_HOST_API void Scale(double* v, int stride, const double* w, int n);
 // which changes no bit). `out` may not overlap `v`.
 KOR_HOST_API void PickExact(const double* v, int first, int step, double* out, int n);
 
+// Whether t[i] == s[j] and s[j + 1] - s[j] >= DBL_MIN for every i < n, j = first + step * i:
+// targets that lie on source samples `step` apart, each sample starting an interval whose
+// reciprocal width is finite. When they do, `width` is the width of the first such interval if
+// every one has that width bit for bit, else NaN.
+KOR_HOST_API bool SamplesMatch(const double* s, const double* t, int first, int step, int n,
+                               double& width);
+
+// Linear interpolation in pairs of targets over one interval each, target 2p at the left end of
+// interval [v[2p], v[2p+1]] (weights 1 and 0) and target 2p+1 at its right end with weight u on
+// the right: out[i] = (1 - U) v[2p] + U v[2p+1], U = 0 for even i and u for odd i, p = i / 2.
+// `out` may not overlap `v`; v is read up to index n (n odd) or n - 1.
+KOR_HOST_API void LerpPairs(const double* v, double u, double* out, int n);
+
 // The bodies a processor can run.
 enum class Isa { Baseline, Avx2 };
 

@@ -83,6 +83,16 @@ public:
                 Lerp(lo + i, first + step * i, 0.0);
         }
     }
+    // Targets lo .. lo+count-1 in pairs over the intervals from source sample `first` on: the
+    // first of a pair at its interval's left end (u = 0), the second at its right end (u).
+    void LerpPairs(int lo, int count, int first, double u) {
+        if constexpr (kSource == 1 && kTarget == 1 && !kBanded) {
+            Kernels::LerpPairs(source_ + first, u, target_ + lo, count);
+        } else {
+            for (int i = 0; i < count; ++i)
+                Lerp(lo + i, first + (i & ~1), (i & 1) ? u : 0.0);
+        }
+    }
     // Target component i = (1 - u) source j + u source j+1.
     void Lerp(int i, int j, double u) {
         double* to = target_ + i * kTarget;
@@ -189,9 +199,10 @@ int Walk(const double* s, int m, const double* t, int lo, int hi, const TArray<d
 // `step` apart, target lo on sample `first`: grids of one step whose points line up, or a target
 // step a whole multiple of the source's. Every interval that starts on such a sample is at least
 // DBL_MIN wide, so that its reciprocal is finite and 0 times it is 0, as in the walk. One
-// bisection per end, then one comparison per target; false at the first target off its sample.
+// bisection per end, then one comparison per target (Kernels::SamplesMatch, which also tells
+// whether those intervals are all of one `width`).
 inline bool OnSamples(const TArray<double>& grid, const double* t, int lo, int hi, int& first,
-                      int& step) {
+                      int& step, double& width) {
     const double* s = grid.Data();
     const int m = grid.Count();
     first = CountNotAbove(grid, t[lo]) - 1;
@@ -206,11 +217,7 @@ inline bool OnSamples(const TArray<double>& grid, const double* t, int lo, int h
         if (step < 1)
             return false;
     }
-    int j = first;
-    for (int i = lo; i <= hi; ++i, j += step)
-        if (!(s[j] == t[i] && s[j + 1] - s[j] >= std::numeric_limits<double>::min()))
-            return false;
-    return true;
+    return Kernels::SamplesMatch(s, t + lo, first, step, hi - lo + 1, width);
 }
 
 // The walk over targets that lie on source samples (OnSamples), without its searches. A target
@@ -221,23 +228,28 @@ inline bool OnSamples(const TArray<double>& grid, const double* t, int lo, int h
 // after one found anew. The reciprocal width is computed when the width changes, as in the walk.
 template <class Layout>
 void WalkOnSamples(const double* s, const double* t, int j0, int lo, int hi, int first, int step,
-                   Layout& layout) {
-    double width = std::numeric_limits<double>::quiet_NaN(); // equal to no width
+                   double width, Layout& layout) {
+    double lastWidth = std::numeric_limits<double>::quiet_NaN(); // equal to no width
     double reciprocalWidth = 0.0;
     const auto stay = [&](int i, int j) {
         const double w = s[j + 1] - s[j];
-        if (!(w == width)) {
-            width = w;
-            reciprocalWidth = 1.0 / width;
+        if (!(w == lastWidth)) {
+            lastWidth = w;
+            reciprocalWidth = 1.0 / lastWidth;
         }
         layout.Lerp(i, j, (t[i] - s[j]) * reciprocalWidth);
     };
     int i = lo;
     if (j0 >= 0 && j0 + 1 == first)
         stay(i++, j0);
+    if (i > hi)
+        return;
     if (step > 1) {
-        if (i <= hi)
-            layout.LerpOnSamples(i, hi - i + 1, first + step * (i - lo), step);
+        layout.LerpOnSamples(i, hi - i + 1, first + step * (i - lo), step);
+        return;
+    }
+    if (width == width) { // one width: every right-end target has u = width * (1 / width)
+        layout.LerpPairs(i, hi - i + 1, first + (i - lo), width * (1.0 / width));
         return;
     }
     for (; i <= hi; i += 2) {
@@ -277,8 +289,9 @@ int Resample(const TArray<double>& s, const TArray<double>& t, Layout& layout) {
     for (; hi >= lo && tv[hi] >= sv[m - 1]; --hi)
         layout.Copy(hi, m - 1);
     int first = 0, step = 0;
-    if (hi >= lo && OnSamples(s, tv, lo, hi, first, step)) {
-        WalkOnSamples(sv, tv, CountNotAbove(s, tv[0]) - 1, lo, hi, first, step, layout);
+    double width = 0.0;
+    if (hi >= lo && OnSamples(s, tv, lo, hi, first, step, width)) {
+        WalkOnSamples(sv, tv, CountNotAbove(s, tv[0]) - 1, lo, hi, first, step, width, layout);
         return 0;
     }
     return Walk(sv, m, tv, lo, hi, s, layout);

@@ -165,3 +165,57 @@ TEST(Kernels, PickExactTakesTheSampleAndZeroTimesItsNeighbour) {
         }
     });
 }
+
+TEST(Kernels, LerpPairsWeighsEachPairOverItsOwnInterval) {
+    std::mt19937 rng(14);
+    OnEveryBody([&rng] {
+        for (int n = 0; n <= kMaxLength; ++n) {
+            const Values v = Awkward(rng, static_cast<std::size_t>(n + 1));
+            const double u = 10.0 * (1.0 / 10.0) - (n % 2 ? 0x1p-53 : 0.0);
+            Values got(static_cast<std::size_t>(n)), want(got.size());
+            Kernels::LerpPairs(v.data(), u, got.data(), n);
+            for (int i = 0; i < n; ++i) {
+                const double w = (i & 1) ? u : 0.0;
+                const auto p = static_cast<std::size_t>(i & ~1);
+                want[static_cast<std::size_t>(i)] = (1.0 - w) * v[p] + w * v[p + 1];
+            }
+            EXPECT_TRUE(SameBits(got.data(), want.data(), got.size())) << "n = " << n;
+        }
+    });
+}
+
+TEST(Kernels, SamplesMatchFindsTheFirstTargetOffItsSampleAndOneWidth) {
+    OnEveryBody([] {
+        for (const int step : {1, 2, 3}) {
+            Values s;
+            for (int k = 0; k < 140; ++k)
+                s.push_back(380.0 + 5.0 * k);
+            for (int n = 1; n <= kMaxLength; ++n) {
+                const int first = 3;
+                Values t;
+                for (int i = 0; i < n; ++i)
+                    t.push_back(s[static_cast<std::size_t>(first + step * i)]);
+                double width = 0.0;
+                EXPECT_TRUE(Kernels::SamplesMatch(s.data(), t.data(), first, step, n, width));
+                EXPECT_EQ(width, 5.0);
+                for (int off = 0; off < n; ++off) { // every position, in every lane and tail
+                    Values moved = t;
+                    moved[static_cast<std::size_t>(off)] = std::nextafter(moved[off], 1e9);
+                    EXPECT_FALSE(
+                        Kernels::SamplesMatch(s.data(), moved.data(), first, step, n, width))
+                        << "step " << step << ", n = " << n << ", off at " << off;
+                }
+                if (n < 2)
+                    continue;
+                Values uneven = s; // the last interval a little wider: still on the samples
+                uneven[static_cast<std::size_t>(first + step * (n - 1) + 1)] += 0.5;
+                EXPECT_TRUE(Kernels::SamplesMatch(uneven.data(), t.data(), first, step, n, width));
+                EXPECT_TRUE(std::isnan(width)) << "step " << step << ", n = " << n;
+            }
+        }
+        // An interval narrower than DBL_MIN has no finite reciprocal width.
+        const double tiny[3] = {0.0, 0x1p-1070, 1.0}, at[1] = {0.0};
+        double width = 0.0;
+        EXPECT_FALSE(Kernels::SamplesMatch(tiny, at, 0, 1, 1, width));
+    });
+}
