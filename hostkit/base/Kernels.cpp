@@ -136,12 +136,20 @@ KOR_KERNEL_BODY void ScaleBody(double* v, int stride, const double* w, int n) {
 KOR_KERNEL_BODY void PickExactBody(const double* v, int first, int step, double* out, int n) {
     const double* p = v + first;
     int i = 0;
+    const V4 zero{};
+    V4 at{}, next{}, x{}, y{};
     if (step == 1) {
-        const V4 zero{};
-        V4 at{}, next{};
         for (; i + 4 <= n; i += 4) {
             Load(at, p + i);
             Load(next, p + i + 1);
+            Store(out + i, at + zero * next);
+        }
+    } else if (step == 2) {
+        for (; i + 4 <= n; i += 4) { // samples 2i .. 2i+7: the even ones and their successors
+            Load(x, p + 2 * i);
+            Load(y, p + 2 * i + 4);
+            at = V4{x[0], x[2], y[0], y[2]};
+            next = V4{x[1], x[3], y[1], y[3]};
             Store(out + i, at + zero * next);
         }
     }
@@ -149,33 +157,54 @@ KOR_KERNEL_BODY void PickExactBody(const double* v, int first, int step, double*
         out[i] = p[i * step] + 0.0 * p[i * step + 1];
 }
 
+// One vector of four targets against its samples and their intervals: `hits` keeps all ones in
+// the lanes where every target so far lay on its sample (an interval wide enough), `same` where
+// every interval had the first one's width. No branch per vector.
+template <class Mask>
+KOR_KERNEL_BODY void MatchFour(const V4& at, const V4& next, const double* t, const V4& w0,
+                               const V4& floor, Mask& hits, Mask& same) {
+    V4 target{}, w{};
+    Load(target, t);
+    w = next - at;
+    hits &= (at == target) & (w >= floor);
+    same &= w == w0;
+}
+
 KOR_KERNEL_BODY bool SamplesMatchBody(const double* s, const double* t, int first, int step, int n,
                                       double& width) {
     const double* p = s + first;
     const double w0 = n > 0 ? p[1] - p[0] : 0.0;
     const double floor = std::numeric_limits<double>::min();
-    bool on = true, same = true;
+    const V4 vw0{w0, w0, w0, w0}, vfloor{floor, floor, floor, floor};
+    auto hits = vw0 == vw0; // all ones (w0 is finite: a difference of samples)
+    hits = hits | ~hits;
+    auto same = hits;
+    V4 at{}, next{}, x{}, y{};
     int i = 0;
-    V4 at{}, next{}, target{}, w{};
-    const V4 vw0 = V4{w0, w0, w0, w0}, vfloor = V4{floor, floor, floor, floor};
-    for (; i + 4 <= n && on; i += 4) {
-        const double* q = p + step * i;
-        at = V4{q[0], q[step], q[2 * step], q[3 * step]};
-        next = V4{q[1], q[step + 1], q[2 * step + 1], q[3 * step + 1]};
-        Load(target, t + i);
-        w = next - at;
-        const auto hit = (at == target) & (w >= vfloor);
-        const auto equal = w == vw0;
-        on = hit[0] && hit[1] && hit[2] && hit[3];
-        same = same && equal[0] && equal[1] && equal[2] && equal[3];
+    if (step == 1) {
+        for (; i + 4 <= n; i += 4) {
+            Load(at, p + i);
+            Load(next, p + i + 1);
+            MatchFour(at, next, t + i, vw0, vfloor, hits, same);
+        }
+    } else if (step == 2) {
+        for (; i + 4 <= n; i += 4) { // samples 2i .. 2i+7: the even ones and their successors
+            Load(x, p + 2 * i);
+            Load(y, p + 2 * i + 4);
+            at = V4{x[0], x[2], y[0], y[2]};
+            next = V4{x[1], x[3], y[1], y[3]};
+            MatchFour(at, next, t + i, vw0, vfloor, hits, same);
+        }
     }
+    bool on = hits[0] && hits[1] && hits[2] && hits[3];
+    bool one = same[0] && same[1] && same[2] && same[3];
     for (; i < n && on; ++i) {
         const double* q = p + step * i;
         const double wi = q[1] - q[0];
         on = q[0] == t[i] && wi >= floor;
-        same = same && wi == w0;
+        one = one && wi == w0;
     }
-    width = same ? w0 : std::numeric_limits<double>::quiet_NaN();
+    width = one ? w0 : std::numeric_limits<double>::quiet_NaN();
     return on;
 }
 

@@ -23,6 +23,9 @@ const Cie::RGBSpaceMatrices& SRGB() {
     return space;
 }
 
+// What XYZ2RGB gives of a converter whose state could not be allocated (Create refuses it).
+const TMatrix3 kNoMatrix{};
+
 TVect3<double> Zero() {
     return {0.0, 0.0, 0.0};
 }
@@ -153,15 +156,13 @@ int CIEConv::Impl::ReconstructInto(const TVect3<double>& rgb, const TArray<doubl
     return Reconstruct(rgb, waves, out.Data(), out.Count(), reflectance);
 }
 
-CIEConv::CIEConv(Observer observer) : impl_(new (std::nothrow) Impl(observer)) {}
+CIEConv::CIEConv(Observer observer)
+    : impl_(new (std::nothrow) Impl(observer)), xyz2rgb_(impl_ ? &impl_->xyz2rgb : &kNoMatrix) {}
 
 CIEConv::~CIEConv() {
     delete impl_;
 }
 
-const TMatrix3& CIEConv::XYZ2RGB() const {
-    return impl_->xyz2rgb;
-}
 const TMatrix3& CIEConv::RGB2XYZ() const {
     return impl_->rgb2xyz;
 }

@@ -63,7 +63,7 @@ public:
     ~CIEConv() override;
 
     // M: (X, Y, Z) -> linear (R, G, B) of the converter's RGB space (sRGB primaries, D65 white).
-    const TMatrix3& XYZ2RGB() const;
+    const TMatrix3& XYZ2RGB() const { return *xyz2rgb_; }
     // N = M^-1: linear (R, G, B) -> (X, Y, Z).
     const TMatrix3& RGB2XYZ() const;
     // (kR, kG, kB): the middle row of N; Y = kR R + kG G + kB B.
@@ -130,6 +130,7 @@ protected:
     friend class SpikeResponses; // reads the per-grid tables (SpikeResponses.h)
     struct Impl;
     Impl* impl_;
+    const TMatrix3* xyz2rgb_; // M, kept by impl_; read inline on the per-ray paths
 };
 
 } // namespace Korvane

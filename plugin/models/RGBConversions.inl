@@ -10,6 +10,8 @@
 // its grid fails with the conversion's report, an unpolarized one gives its first NWaves samples.
 #pragma once
 
+#include "plugin/models/SourceKind.h"
+
 #include <type_traits>
 
 namespace Korvane {
@@ -240,15 +242,16 @@ int RGBModel<Pol>::ConvertColor(const ColorModel* src, const ILgtColor& from, IL
     using namespace RGBConversion;
     constexpr const char* kFailure = "RGB light color conversion failure";
     auto& out = Value<RGBModel>(to);
-    if (src && src->IsBW()) {
+    const SourceKind kind = KindOf(src);
+    if (kind == SourceKind::BW) {
         WithSourceLayout<BWModel>(src, from, [&out](const auto& c) { TakeChannels(c, out); });
-    } else if (src && src->IsRGB()) {
+    } else if (kind == SourceKind::RGB) {
         WithSourceLayout<RGBModel>(src, from, [&out](const auto& c) { TakeChannels(c, out); });
-    } else if (src && src->IsXYZ()) {
+    } else if (kind == SourceKind::XYZ) {
         RGBOps::SetIntensities(out, RGBOps::ApplyM(Triple(from)));
-    } else if (src && src->IsXYY()) {
+    } else if (kind == SourceKind::XYY) {
         RGBOps::SetIntensities(out, RGBOps::ApplyM(ClampedXYZ(Triple(from))));
-    } else if (src && src->IsSpectral()) {
+    } else if (kind == SourceKind::Spectral) {
         if (src->HasPolarization()) {
             const auto& d = Value<SpectralModel<StokesPolarization>>(from).Distr();
             if (!FromPolarizedSpectrum(src, d, out, LightRGB))
@@ -269,7 +272,7 @@ int RGBModel<Pol>::ConvertColor(const ColorModel* src, const ILgtColor& from, IL
     } else {
         return User()->InternalError("Not supported light color conversion");
     }
-    ClampLgtColor(to);
+    RGBModel::ClampLgtColor(to); // this model's own clamp, called directly
     return 0;
 }
 

@@ -21,6 +21,7 @@
 #include "hostkit/cie/CIEConvAll.h"
 #include "plugin/models/ColourAccess.h"
 #include "plugin/models/ColourMath.h"
+#include "plugin/models/SourceKind.h"
 #include "plugin/spectral/Resample.h"
 
 namespace Korvane {
@@ -38,23 +39,12 @@ inline constexpr const char* kLightResampleFailed = "SPEC light color conversion
 inline constexpr const char* kSurfaceResampleFailed = "SPEC surface color conversion failure";
 inline constexpr const char* kScalarResampleFailed = "SPEC scalar color conversion failure";
 
-enum class Source { BW, RGB, XYZ, XYY, Spectral, Other };
+using Source = SourceKind;
 
-// The kind of a source model, asked in the fixed order; a null model is of no kind.
+// The kind of a source model, asked in the fixed order (SourceKind.h); a null model is of no
+// kind.
 inline Source Classify(const ColorModel* src) {
-    if (!src)
-        return Source::Other;
-    if (src->IsBW())
-        return Source::BW;
-    if (src->IsRGB())
-        return Source::RGB;
-    if (src->IsXYZ())
-        return Source::XYZ;
-    if (src->IsXYY())
-        return Source::XYY;
-    if (src->IsSpectral())
-        return Source::Spectral;
-    return Source::Other;
+    return KindOf(src);
 }
 
 // Reports `text`, translated under the model's conversion context, as an error message; returns

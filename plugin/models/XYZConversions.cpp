@@ -5,6 +5,7 @@
 #include "hostkit/base/User.h"
 #include "hostkit/cie/CIEConv.h"
 #include "plugin/models/CIETriple.h"
+#include "plugin/models/SourceKind.h"
 #include "plugin/models/SourceSamples.h"
 #include "plugin/models/XYZSources.h"
 
@@ -116,18 +117,17 @@ int ReadAs(const ColorModel* src, const I& from, Target target, const char* refu
     const auto inTarget = [target](const TVect3<double>& xyz) {
         return target == Target::XYZ ? xyz : ColourMath::XYZToXYY(xyz);
     };
-    if (!src)
-        return Kind::Unsupported();
-    if (src->IsBW()) {
+    const SourceKind kind = KindOf(src);
+    if (kind == SourceKind::BW) {
         out = inTarget(XYZOfChannels<BWModel>(*src, from));
-    } else if (src->IsRGB()) {
+    } else if (kind == SourceKind::RGB) {
         out = inTarget(XYZOfChannels<RGBModel>(*src, from));
-    } else if (src->IsXYZ()) {
+    } else if (kind == SourceKind::XYZ) {
         out = inTarget(CIETriple::Get(from));
-    } else if (src->IsXYY()) {
+    } else if (kind == SourceKind::XYY) {
         const TVect3<double> xyY = CIETriple::Get(from);
         out = target == Target::XYY ? xyY : ColourMath::XYYToXYZ(xyY);
-    } else if (src->IsSpectral()) {
+    } else if (kind == SourceKind::Spectral) {
         if (Kind::kPolarized && src->HasPolarization())
             return User()->ErrorMessageEx(refusal, refusal);
         TVect3<double> xyz(0.0, 0.0, 0.0);

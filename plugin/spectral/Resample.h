@@ -146,6 +146,21 @@ inline int NextInterval(const TArray<double>& s, double w, int from) {
 
 namespace ResampleDetail {
 
+// The number of source wavelengths not above w, less one, found by a few steps up from `from`
+// (the usual case: w lies close past it), bisection past them; the same index either way on an
+// ascending grid.
+inline int IntervalNear(const TArray<double>& grid, double w, int from) {
+    const double* s = grid.Data();
+    const int m = grid.Count();
+    int j = from;
+    const int stop = from + 8;
+    while (j + 1 < m && j < stop && s[j + 1] <= w)
+        ++j;
+    if (j == stop && j + 1 < m && s[j + 1] <= w)
+        j = CountNotAbove(grid, w) - 1;
+    return j;
+}
+
 // The walk of ResampleSpectrum over the target indexes lo..hi, which lie strictly inside the
 // source range (m >= 2). j is the current interval [s[j], s[j+1]]; it is found anew only when a
 // target passes its right end, and then first guessed: the previous find moved j by some
@@ -161,11 +176,7 @@ int Walk(const double* s, int m, const double* t, int lo, int hi, const TArray<d
     // The number of source wavelengths not above t[0], less one: a few steps from the start (the
     // usual case: both grids start close together), bisection past them; the same index either
     // way on an ascending grid.
-    int j = -1;
-    while (j + 1 < m && j < 7 && s[j + 1] <= t[0])
-        ++j;
-    if (j == 7 && j + 1 < m && s[j + 1] <= t[0])
-        j = CountNotAbove(grid, t[0]) - 1;
+    int j = IntervalNear(grid, t[0], -1);
     int advance = 1;
     double width = std::numeric_limits<double>::quiet_NaN(); // equal to no width
     double reciprocalWidth = 0.0;
@@ -198,25 +209,17 @@ int Walk(const double* s, int m, const double* t, int lo, int hi, const TArray<d
 // Whether the targets lo..hi (strictly inside the source range) lie exactly on source samples
 // `step` apart, target lo on sample `first`: grids of one step whose points line up, or a target
 // step a whole multiple of the source's. Every interval that starts on such a sample is at least
-// DBL_MIN wide, so that its reciprocal is finite and 0 times it is 0, as in the walk. One
-// bisection per end, then one comparison per target (Kernels::SamplesMatch, which also tells
-// whether those intervals are all of one `width`).
+// DBL_MIN wide, so that its reciprocal is finite and 0 times it is 0, as in the walk. The first
+// two targets' intervals give `first` and `step`, then one comparison per target confirms them
+// (Kernels::SamplesMatch, which also tells whether those intervals are all of one `width`).
 inline bool OnSamples(const TArray<double>& grid, const double* t, int lo, int hi, int& first,
                       int& step, double& width) {
     const double* s = grid.Data();
     const int m = grid.Count();
-    first = CountNotAbove(grid, t[lo]) - 1;
-    const int last = CountNotAbove(grid, t[hi]) - 1;
-    step = 0;
-    if (first < 0 || last > m - 2) // only on a grid that does not ascend
-        return false;
-    if (hi > lo) {
-        if ((last - first) % (hi - lo) != 0)
-            return false;
-        step = (last - first) / (hi - lo);
-        if (step < 1)
-            return false;
-    }
+    first = IntervalNear(grid, t[lo], -1);
+    step = hi > lo ? IntervalNear(grid, t[lo + 1], first) - first : 0;
+    if (first < 0 || (hi > lo && step < 1) || first + step * (hi - lo) > m - 2)
+        return false; // off the source, or only on a grid that does not ascend
     return Kernels::SamplesMatch(s, t + lo, first, step, hi - lo + 1, width);
 }
 
@@ -291,7 +294,7 @@ int Resample(const TArray<double>& s, const TArray<double>& t, Layout& layout) {
     int first = 0, step = 0;
     double width = 0.0;
     if (hi >= lo && OnSamples(s, tv, lo, hi, first, step, width)) {
-        WalkOnSamples(sv, tv, CountNotAbove(s, tv[0]) - 1, lo, hi, first, step, width, layout);
+        WalkOnSamples(sv, tv, IntervalNear(s, tv[0], -1), lo, hi, first, step, width, layout);
         return 0;
     }
     return Walk(sv, m, tv, lo, hi, s, layout);

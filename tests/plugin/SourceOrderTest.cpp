@@ -4,6 +4,7 @@
 #include "hostkit/base/User.h"
 #include "plugin/models/BWModel.h"
 #include "plugin/models/RGBModel.h"
+#include "plugin/models/SourceKind.h"
 #include "plugin/models/SpectralModel.h"
 #include "plugin/models/XYYModel.h"
 #include "plugin/models/XYZModel.h"
@@ -145,3 +146,38 @@ TEST_F(SourceOrder, AnUnknownSourceKindIsReportedWithTheFixedTexts) {
 }
 
 } // namespace
+
+// The library's own models are known by their type, without being asked: the kind so found must
+// be the one the five questions give, for every model InitClasses registers, a spectral model
+// made on a grid of its own, and a model of another class (asked, in order).
+TEST_F(SourceOrder, KnownModelsHaveTheKindTheirAnswersGive) {
+    const auto asked = [](const ColorModel& m) {
+        return m.IsBW()         ? SourceKind::BW
+               : m.IsRGB()      ? SourceKind::RGB
+               : m.IsXYZ()      ? SourceKind::XYZ
+               : m.IsXYY()      ? SourceKind::XYY
+               : m.IsSpectral() ? SourceKind::Spectral
+                                : SourceKind::Other;
+    };
+    MArray<double> grid(10);
+    grid.Alloc(3);
+    grid[0] = 400.0;
+    grid[1] = 550.0;
+    grid[2] = 700.0;
+    TPlugRef<SpectralModel<Unpolarized>> own = new SpectralModel<Unpolarized>(grid);
+    const ColorModel* models[] = {BWModel<Unpolarized>::GetModel(),
+                                  BWModel<StokesPolarization>::GetModel(),
+                                  RGBModel<Unpolarized>::GetModel(),
+                                  RGBModel<StokesPolarization>::GetModel(),
+                                  SpectralModel<Unpolarized>::GetModel(),
+                                  SpectralModel<StokesPolarization>::GetModel(),
+                                  XYZModel::GetModel(),
+                                  XYYModel::GetModel(),
+                                  own.Get()};
+    for (const ColorModel* m : models)
+        EXPECT_EQ(KindOf(m), asked(*m)) << m->Name();
+    Probe<SpectralModel<Unpolarized>> probe;
+    EXPECT_EQ(KindOf(&probe), SourceKind::Spectral);
+    EXPECT_EQ(probe.asked, kQuestions);
+    EXPECT_EQ(KindOf(nullptr), SourceKind::Other);
+}
