@@ -149,7 +149,7 @@ PlugRef SpectralModelOn(const std::vector<double>& nm, bool stokes) {
     writer.Serialize("EquiDistant", equidistant, false);
     writer.Finish();
 
-    const std::size_t mark = ReportMark();
+    const ReportMarker mark = ReportMark();
     BinarySerializer reader(writer.Bytes());
     PlugRef model = type->NewInstance();
     if (!model)
@@ -251,19 +251,19 @@ int HeldColour::ConvertFrom(const HeldColour& from) {
     return -1;
 }
 
-std::size_t ReportMark() {
-    return ReportLog::Count();
+ReportMarker ReportMark() {
+    const std::vector<Report> kept = ReportLog::Entries();
+    return kept.empty() ? 0 : kept.back().sequence;
 }
 
-std::string ReportsSince(std::size_t mark) {
+std::string ReportsSince(ReportMarker mark) {
     std::string out;
-    const std::vector<Report> all = ReportLog::Entries();
-    for (std::size_t i = mark; i < all.size(); ++i) {
-        if (all[i].kind == ReportKind::Log)
+    for (const Report& r : ReportLog::Entries()) {
+        if (r.sequence <= mark || r.kind == ReportKind::Log)
             continue;
         if (!out.empty())
             out += "; ";
-        out += all[i].text;
+        out += r.text;
     }
     return out;
 }
