@@ -29,8 +29,10 @@ void CheckGridSize(std::size_t count, const std::string& what);
 // register it.
 const ColorModel* RegisteredModel(const char* ident);
 
-// A new spectral model (unpolarized, or Stokes with `stokes`) on `nm`, made through its type from
-// a stored grid; a data error with the model's reason when the grid is refused.
+// A new spectral model (unpolarized, or Stokes with `stokes`) on `nm`, made by the host kit's
+// MakeSpectralModel (its type reads the grid, flagged equidistant by the model's own rule). A data
+// error beyond kMaxGridPoints wavelengths, and with the model's reason when it refuses the grid
+// or makes a model on another number of wavelengths.
 PlugRef SpectralModelOn(const std::vector<double>& nm, bool stokes);
 
 enum class Kind { Light, Surface, Scalar };

@@ -5,6 +5,7 @@
 #include "cli/ToolError.h"
 
 #include "hostkit/base/User.h"
+#include "hostkit/colormodel/GridModel.h"
 #include "plugin/frame/ModuleEntry.h"
 
 #include <gtest/gtest.h>
@@ -70,6 +71,38 @@ TEST_F(ToolHost, ARefusedGridNamesTheModelsReasonWithTheLogFull) {
             << e.what();
         EXPECT_EQ(std::string(e.what()).find("earlier failure"), std::string::npos) << e.what();
     }
+}
+
+// The tool's models are the host kit's: the same grid and the same equidistant flag, also where a
+// rule of its own (each step against the first, or no flag for one wavelength) would differ.
+TEST_F(ToolHost, ModelsOnAGridEqualTheHostKitsOnTheSameGrid) {
+    const std::vector<std::vector<double>> grids = {{550.0},
+                                                    EvenGrid(380.3, 3.7, 108),
+                                                    {400.0, 401.0, 402.0000002, 403.0000006},
+                                                    {400.0, 410.0, 430.0}};
+    for (const std::vector<double>& grid : grids)
+        for (bool stokes : {false, true}) {
+            PlugRef tools = SpectralModelOn(grid, stokes);
+            std::string error;
+            PlugRef kits = MakeSpectralModel(stokes ? "StkSpectr" : "USpectr", grid, error);
+            ASSERT_TRUE(kits) << error;
+            EXPECT_TRUE(static_cast<const ColorModel*>(tools.Get())
+                            ->IsEqual(static_cast<const ColorModel*>(kits.Get())))
+                << grid.size() << " wavelengths from " << grid[0] << ", stokes " << stokes;
+        }
+}
+
+TEST_F(ToolHost, GridsBeyondTheToolsBoundAreRefusedBeforeAModelIsMade) {
+    try {
+        SpectralModelOn(EvenGrid(300.0, 0.1, kMaxGridPoints + 1), false);
+        FAIL() << "a grid beyond the bound was taken";
+    } catch (const ToolError& e) {
+        EXPECT_EQ(e.Code(), kExitData);
+        EXPECT_EQ(std::string(e.what()), "the grid has 4002 wavelengths; the tool's spectral "
+                                         "models take at most 4001");
+    }
+    PlugRef largest = SpectralModelOn(EvenGrid(300.0, 0.1, kMaxGridPoints), false);
+    EXPECT_EQ(static_cast<const ColorModel*>(largest.Get())->NWaves(), kMaxGridPoints);
 }
 
 } // namespace
