@@ -141,7 +141,7 @@ public:
 
 private:
     void Convert(HeldColour& to, const HeldColour& from, const std::string& what) {
-        const std::size_t mark = ReportMark();
+        const ReportMarker mark = ReportMark();
         if (to.ConvertFrom(from) != 0)
             DataError("converting " + what + " to XYZ failed: " + ReportsSince(mark));
     }

@@ -125,7 +125,7 @@ void RunConvert(const ConvertOptions& o, std::ostream& out) {
                    std::to_string(in.ValueCount()) + " values, got " +
                    std::to_string(values.size()));
     in.Set(values);
-    const std::size_t mark = ReportMark();
+    const ReportMarker mark = ReportMark();
     if (result.ConvertFrom(in) != 0)
         DataError(std::string("the ") + dst.model->Name().c_str() + " model refused the " +
                   KindName(kind) + " colour of " + src.model->Name().c_str() + ": " +
@@ -213,7 +213,7 @@ void RunResample(const ResampleOptions& o, std::ostream& out) {
         const auto* src = static_cast<const ColorModel*>(source.Get());
         HeldColour in(src, kind), result(dst, kind);
         in.Set(s.values);
-        const std::size_t mark = ReportMark();
+        const ReportMarker mark = ReportMark();
         if (result.ConvertFrom(in) != 0)
             DataError(o.file + ": resampling spectrum " + s.name +
                       " failed: " + ReportsSince(mark));

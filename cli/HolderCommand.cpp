@@ -142,7 +142,7 @@ Plug* NewHolder(const ColorModel* m, Family f) {
     return nullptr;
 }
 
-void Check(int rc, const std::string& what, std::size_t mark) {
+void Check(int rc, const std::string& what, ReportMarker mark) {
     if (rc != 0)
         DataError(what + ": " + ReportsSince(mark));
 }
@@ -199,7 +199,7 @@ void RunHolderSave(const HolderOptions& o, std::ostream& out) {
         UsageError("--xort applies to the ray colours of Stokes models only");
 
     const auto save = [&](Plug& holder) {
-        const std::size_t mark = ReportMark();
+        const ReportMarker mark = ReportMark();
         if (PlugFile::Save(holder, o.output.c_str(),
                            o.format == "text" ? ArchiveFormat::Text : ArchiveFormat::Binary) != 0)
             DataError(o.output + ": cannot save the holder: " + ReportsSince(mark));
@@ -253,7 +253,7 @@ void RunHolderSave(const HolderOptions& o, std::ostream& out) {
                    " values in one holder");
     PlugRef holder;
     {
-        const std::size_t mark = ReportMark();
+        const ReportMarker mark = ReportMark();
         holder = NewHolder(model, family);
         if (!holder)
             DataError(std::string("out of memory making a ") + FamilyName(family) + " holder");

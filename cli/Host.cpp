@@ -3,9 +3,9 @@
 #include "cli/Numbers.h"
 #include "cli/ToolError.h"
 
-#include "hostkit/base/BinarySerializer.h"
 #include "hostkit/base/User.h"
 #include "hostkit/colormodel/ColorModelType.h"
+#include "hostkit/colormodel/GridModel.h"
 #include "plugin/colour/ColourValues.h"
 #include "plugin/models/ColourAccess.h"
 
@@ -130,40 +130,18 @@ const ColorModel* RegisteredModel(const char* ident) {
 }
 
 PlugRef SpectralModelOn(const std::vector<double>& nm, bool stokes) {
+    CheckGridSize(nm.size(), "the grid");
     const char* ident = stokes ? "StkSpectr" : "USpectr";
-    PlugType* type = PlugType::Find(ident);
-    if (!type)
-        DataError(std::string("the plug-in registered no model type ") + ident);
-    BinarySerializer writer;
-    writer.OpenGroup("Wavelengths");
-    auto n = static_cast<std::int32_t>(nm.size());
-    writer.SerializeCount(n, 1);
-    std::vector<double> copy = nm;
-    writer.Serialize(copy.data(), n);
-    writer.CloseGroup();
-    // Equidistant in the library's own sense: every step equal to the first within 2^-23.
-    bool equidistant = nm.size() > 1;
-    for (std::size_t i = 1; equidistant && i < nm.size(); ++i)
-        equidistant = std::abs((nm[i] - nm[i - 1]) - (nm[1] - nm[0])) <=
-                      1.192092896e-7 * std::abs(nm[1] - nm[0]);
-    writer.Serialize("EquiDistant", equidistant, false);
-    writer.Finish();
-
-    const std::size_t mark = ReportMark();
-    BinarySerializer reader(writer.Bytes());
-    PlugRef model = type->NewInstance();
+    const std::string size = "the grid of " + std::to_string(nm.size()) + " wavelengths";
+    const ReportMarker mark = ReportMark();
+    std::string error;
+    PlugRef model = MakeSpectralModel(ident, nm, error);
     if (!model)
-        DataError("out of memory making a spectral model");
-    type->SerializeInstance(model.Get(), reader);
-    reader.Finish();
-    if (reader.Failed())
-        DataError("the spectral model refused the grid: " + reader.Error());
-    model.Get()->OnLoad(BinarySerializer::kVersion);
+        DataError("cannot make a spectral model on " + size + ": " + error);
     const auto* m = static_cast<const ColorModel*>(model.Get());
     const std::string reports = ReportsSince(mark);
     if (m->NWaves() != static_cast<int>(nm.size()) || !reports.empty())
-        DataError("the spectral model refused the grid of " + std::to_string(nm.size()) +
-                  " wavelengths" + (reports.empty() ? "" : ": " + reports));
+        DataError("the spectral model refused " + size + (reports.empty() ? "" : ": " + reports));
     return model;
 }
 
@@ -251,19 +229,19 @@ int HeldColour::ConvertFrom(const HeldColour& from) {
     return -1;
 }
 
-std::size_t ReportMark() {
-    return ReportLog::Count();
+ReportMarker ReportMark() {
+    const std::vector<Report> kept = ReportLog::Entries();
+    return kept.empty() ? 0 : kept.back().sequence;
 }
 
-std::string ReportsSince(std::size_t mark) {
+std::string ReportsSince(ReportMarker mark) {
     std::string out;
-    const std::vector<Report> all = ReportLog::Entries();
-    for (std::size_t i = mark; i < all.size(); ++i) {
-        if (all[i].kind == ReportKind::Log)
+    for (const Report& r : ReportLog::Entries()) {
+        if (r.sequence <= mark || r.kind == ReportKind::Log)
             continue;
         if (!out.empty())
             out += "; ";
-        out += all[i].text;
+        out += r.text;
     }
     return out;
 }

@@ -29,8 +29,10 @@ void CheckGridSize(std::size_t count, const std::string& what);
 // register it.
 const ColorModel* RegisteredModel(const char* ident);
 
-// A new spectral model (unpolarized, or Stokes with `stokes`) on `nm`, made through its type from
-// a stored grid; a data error with the model's reason when the grid is refused.
+// A new spectral model (unpolarized, or Stokes with `stokes`) on `nm`, made by the host kit's
+// MakeSpectralModel (its type reads the grid, flagged equidistant by the model's own rule). A data
+// error beyond kMaxGridPoints wavelengths, and with the model's reason when it refuses the grid
+// or makes a model on another number of wavelengths.
 PlugRef SpectralModelOn(const std::vector<double>& nm, bool stokes);
 
 enum class Kind { Light, Surface, Scalar };
@@ -67,8 +69,13 @@ private:
 // distribution holds (its own length, which a loaded holder need not share with the model).
 std::vector<double> ValuesOf(const ColorModel* model, Kind kind, Plug* holder);
 
-// The report texts (errors) made since `mark` in the host's report log, joined by "; ".
-std::size_t ReportMark();
-std::string ReportsSince(std::size_t mark);
+// A place in the host's report log: the sequence number of the latest report made so far (0
+// when the log keeps none). Sequence numbers go on counting when the log is full and drops its
+// oldest reports, so a mark still finds the reports made after it.
+using ReportMarker = unsigned long long;
+ReportMarker ReportMark();
+// The report texts (errors, not log lines) made after `mark` that the log still keeps, joined by
+// "; ".
+std::string ReportsSince(ReportMarker mark);
 
 } // namespace Korvane::Cli

@@ -368,7 +368,13 @@ PYBIND11_MODULE(_korvane, m) {
             return out;
         },
         "The most recent reports of the library and the host kit (at most 256), oldest first,\n"
-        "as (kind, text): kind is \"internal error\", \"error\", \"no memory\" or \"log\".");
+        "as (kind, text): kind is \"internal error\", \"error\", \"no memory\" or \"log\".\n"
+        "Older reports are let go and counted by reports_dropped().");
     m.def(
-        "clear_reports", [] { Session::Reports().Clear(); }, "Forgets the reports kept so far.");
+        "reports_dropped", [] { return Session::Reports().Dropped(); },
+        "The number of reports made but no longer kept by reports() (the oldest, let go to keep\n"
+        "at most 256) since the last clear_reports(); 0 when reports() holds every one.");
+    m.def(
+        "clear_reports", [] { Session::Reports().Clear(); },
+        "Forgets the reports kept so far and sets reports_dropped() to 0.");
 }

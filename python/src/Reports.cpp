@@ -5,8 +5,10 @@ namespace Korvane::Py {
 void ReportCollector::Receive(const Report& report) {
     std::lock_guard<std::mutex> lock(mutex_);
     kept_.push_back(report);
-    if (kept_.size() > kKept)
+    if (kept_.size() > kKept) {
         kept_.pop_front();
+        ++dropped_;
+    }
     ++received_;
 }
 
@@ -26,9 +28,15 @@ std::vector<Report> ReportCollector::Since(unsigned long long mark) const {
     return out;
 }
 
+unsigned long long ReportCollector::Dropped() const {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return dropped_;
+}
+
 void ReportCollector::Clear() {
     std::lock_guard<std::mutex> lock(mutex_);
     kept_.clear();
+    dropped_ = 0;
 }
 
 const char* KindName(ReportKind kind) {

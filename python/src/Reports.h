@@ -4,7 +4,8 @@
 // The module installs a ReportCollector as the host's report sink for as long as it holds the
 // plug-in: reports then reach Python (as the text of an exception, or through korvane.reports())
 // instead of standard error. The collector keeps the most recent kKept reports only, so a long
-// session does not grow without bound; the host kit's own report log is not touched.
+// session does not grow without bound, and counts the older ones it let go; the host kit's own
+// report log is not touched.
 #pragma once
 
 #include "hostkit/base/User.h"
@@ -29,12 +30,16 @@ public:
     std::vector<Report> Since(unsigned long long mark) const;
     // Every report still kept, oldest first.
     std::vector<Report> Kept() const { return Since(0); }
+    // The number of reports let go, oldest first, to keep at most kKept since the last Clear.
+    unsigned long long Dropped() const;
+    // Forgets the kept reports and sets Dropped() to 0; marks stay valid.
     void Clear();
 
 private:
     mutable std::mutex mutex_;
     std::deque<Report> kept_;
     unsigned long long received_ = 0;
+    unsigned long long dropped_ = 0;
 };
 
 // The report kinds as Python sees them: "internal error", "error", "no memory", "log".

@@ -69,3 +69,29 @@ def test_reports_keep_the_library_log_lines():
     korvane.load()
     texts = [text for kind, text in korvane.reports() if kind == "log"]
     assert any(re.fullmatch(r"RGB color model \d+ is created", t) for t in texts)
+
+
+def refuse_a_conversion():
+    with pytest.raises(korvane.KorvaneError) as refused:
+        korvane.convert([0.2, 0.4, 0.6], "URGB", "StkSpectr")
+    return refused.value
+
+
+def test_reports_keep_the_latest_256_and_count_the_ones_let_go():
+    assert korvane.reports_dropped() == 0
+    refuse_a_conversion()
+    per_failure = len(korvane.reports())
+    assert per_failure >= 1
+    korvane.clear_reports()
+    for _ in range(300):
+        refuse_a_conversion()
+    kept = korvane.reports()
+    assert len(kept) == 256
+    assert korvane.reports_dropped() == 300 * per_failure - 256
+    assert kept[-1] == ("error", "Not supported spectral light color conversion")
+    # A failure with the collector full still carries its own report.
+    assert refuse_a_conversion().reports == ["Not supported spectral light color conversion"]
+    assert korvane.reports_dropped() == 300 * per_failure - 256 + per_failure
+    korvane.clear_reports()
+    assert korvane.reports() == []
+    assert korvane.reports_dropped() == 0
