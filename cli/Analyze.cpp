@@ -1,16 +1,5 @@
-// What each quantity is, for light (the default):
-//   XYZ: the XYZ model's conversion of the spectral light colour (X = integral S xbar, no 683);
-//   luminance 683 Y and xy from the spectral model's GetChromaticity; radiant: the spectral
-//   model's LgtEnergy (the area under the spectrum); u'v', CCT and Duv (CIE 1960 uv, Ohno 2013),
-//   dominant wavelength and purity against E, and CRI from the analysis library;
-//   sRGB: the converter's linear sRGB of XYZ scaled to Y = 1 (the light's colour at display
-//   white luminance; D65 gives (1, 1, 1)), then encoded.
-// For reflectances: D65 goes through the XYZ model's surface conversion (the converter's
-// reflectance integral under D65, white Y = 1); another illuminant through the analysis library
-// (the reflectance times the illuminant on the reflectance's grid, divided by the illuminant's
-// Y). Lab is relative to the perfect white reflector under the same illuminant; sRGB of XYZ as
-// it is (no chromatic adaptation). CCT and Duv are given for reflectances too (of their colour
-// under the illuminant); CRI is not.
+// The quantities, and how each is computed: cli/analysis/Colorimetry.h, which the Python
+// module's korvane.analyze calls too; the JSON keys: cli/analysis/ColorimetryRecord.h.
 #include "cli/Analyze.h"
 
 #include "cli/Host.h"
@@ -26,42 +15,10 @@
 namespace Korvane::Cli {
 namespace {
 
-using Analysis::Vec2;
-using Analysis::Vec3;
+using Result = Analysis::SpectrumColorimetry;
 
-struct Result {
-    std::string name, file;
-    double first = 0.0, last = 0.0;
-    std::size_t count = 0;
-    Vec3 xyz{};
-    Vec2 xy{}, uv{};
-    double luminance = 0.0, radiant = 0.0;
-    std::optional<Analysis::CctDuv> cct;
-    std::optional<Analysis::DominantWavelength> dominant;
-    std::optional<Analysis::ColourRendering> cri;
-    std::optional<Vec3> lab;
-    Vec3 linear{};
-    Analysis::EncodedSrgb srgb{};
-};
-
-// The models of the spectra's grids: one spectral model per distinct grid, kept while spectra of
-// that grid follow one another.
-class GridModels {
-public:
-    const ColorModel* For(const std::vector<double>& nm, const std::string& what) {
-        if (!model_ || nm != nm_) {
-            CheckGridSize(nm.size(), what);
-            model_ = SpectralModelOn(nm, false);
-            nm_ = nm;
-        }
-        return static_cast<const ColorModel*>(model_.Get());
-    }
-
-private:
-    std::vector<double> nm_;
-    PlugRef model_;
-};
-
+// The spectra's colorimetry, with one spectral model (and the colorimeter on its grid) per
+// distinct grid, kept while spectra of that grid follow one another.
 class Analyzer {
 public:
     explicit Analyzer(const AnalyzeOptions& o)
@@ -76,122 +33,100 @@ public:
     }
 
     Result Analyze(const SpectrumIO::Spectrum& s, const std::string& file) {
+        Analysis::Colorimeter& colorimeter = On(s.nm, file + ": spectrum " + s.name);
         Result r;
+        const ReportMarker mark = ReportMark();
+        const Analysis::ColorimetryFailure failure = colorimeter.Analyze(s.values.data(), r);
+        switch (failure.step) {
+        case Analysis::ColorimetryStep::None:
+            break;
+        case Analysis::ColorimetryStep::Holders:
+            DataError("making colour holders for " + s.name +
+                      " failed: " + Reasons(ReportsSince(mark)));
+        case Analysis::ColorimetryStep::Spectrum:
+            DataError("converting " + s.name + " to XYZ failed: " + ReportsSince(mark));
+        case Analysis::ColorimetryStep::WhiteReflector:
+            DataError("converting the perfect white reflector to XYZ failed: " +
+                      ReportsSince(mark));
+        case Analysis::ColorimetryStep::Illuminant:
+            DataError(file + ": spectrum " + s.name + ": the illuminant " + o_.illuminant +
+                      " has no luminance on its grid");
+        }
         r.name = s.name;
         r.file = file;
-        r.first = s.nm.front();
-        r.last = s.nm.back();
-        r.count = s.nm.size();
-        const ColorModel* spectral = models_.For(s.nm, file + ": spectrum " + s.name);
-        const Analysis::SpectrumView view{s.nm.data(), s.values.data(), static_cast<int>(r.count)};
-        Vec3 white{};
-        if (!o_.reflectance) {
-            HeldColour light(spectral, Kind::Light), xyz(xyz_, Kind::Light);
-            light.Set(s.values);
-            Convert(xyz, light, s.name);
-            const std::vector<double> v = xyz.Get();
-            r.xyz = {v[0], v[1], v[2]};
-            TVect2<double> xy(0.0, 0.0);
-            spectral->GetChromaticity(light.Light(), r.luminance, xy);
-            r.xy = {xy.x, xy.y};
-            r.radiant = spectral->LgtEnergy(light.Light());
-            r.cri = Analysis::ColourRenderingIndex(view);
-        } else if (o_.illuminant == "D65") {
-            HeldColour surf(spectral, Kind::Surface), xyz(xyz_, Kind::Surface);
-            surf.Set(s.values);
-            Convert(xyz, surf, s.name);
-            std::vector<double> v = xyz.Get();
-            r.xyz = {v[0], v[1], v[2]};
-            surf.Set(std::vector<double>(r.count, 1.0));
-            Convert(xyz, surf, "the perfect white reflector");
-            v = xyz.Get();
-            white = {v[0], v[1], v[2]};
-        } else {
-            std::vector<double> illum;
-            if (illuminantFile_)
-                illum =
-                    Analysis::Resample({illuminantFile_->nm.data(), illuminantFile_->values.data(),
-                                        static_cast<int>(illuminantFile_->nm.size())},
-                                       s.nm);
-            else
-                Analysis::NamedIlluminant(o_.illuminant, s.nm, illum);
-            if (Analysis::ReflectanceXYZ(view, illum.data(), r.xyz, white) != 0)
-                DataError(file + ": spectrum " + s.name + ": the illuminant " + o_.illuminant +
-                          " has no luminance on its grid");
-        }
-        if (o_.reflectance) {
-            r.xy = Analysis::Xy(r.xyz);
-            r.luminance = 683.0 * r.xyz[1];
-            r.radiant = spectral->LgtEnergy(LightOf(spectral, s.values));
-            r.lab = Analysis::Lab(r.xyz, white);
-        }
-        r.uv = Analysis::UvPrime(r.xyz);
-        r.cct = Analysis::CctOhno2013(Analysis::Uv1960(r.xyz), observer_);
-        r.dominant = Analysis::DominantWavelengthOf(r.xy, observer_);
-        if (o_.reflectance) {
-            r.linear = Analysis::LinearSrgb(r.xyz);
-        } else if (r.xyz[1] > 0.0) {
-            r.linear = Analysis::LinearSrgb({r.xyz[0] / r.xyz[1], 1.0, r.xyz[2] / r.xyz[1]});
-        }
-        r.srgb = Analysis::EncodeSrgb(r.linear);
         return r;
     }
 
     Korvane::Observer GetObserver() const { return observer_; }
 
 private:
-    void Convert(HeldColour& to, const HeldColour& from, const std::string& what) {
-        const ReportMarker mark = ReportMark();
-        if (to.ConvertFrom(from) != 0)
-            DataError("converting " + what + " to XYZ failed: " + ReportsSince(mark));
+    static std::string Reasons(const std::string& reports) {
+        return reports.empty() ? "out of memory" : reports;
     }
-    // The radiant quantity of a reflectance: the area under it, through a light colour.
-    const ILgtColor& LightOf(const ColorModel* spectral, const std::vector<double>& values) {
-        scratch_ = std::make_unique<HeldColour>(spectral, Kind::Light);
-        scratch_->Set(values);
-        return scratch_->Light();
+
+    Analysis::Colorimeter& On(const std::vector<double>& nm, const std::string& what) {
+        if (!colorimeter_ || nm != nm_) {
+            CheckGridSize(nm.size(), what);
+            colorimeter_.reset(); // its colours belong to the model about to be released
+            model_ = SpectralModelOn(nm, false);
+            nm_ = nm;
+            colorimeter_.emplace(*static_cast<const ColorModel*>(model_.Get()), *xyz_, nm,
+                                 o_.reflectance, IlluminantOn(nm));
+        }
+        return *colorimeter_;
+    }
+
+    // Reflectances under another illuminant than D65: its values on `nm`.
+    std::vector<double> IlluminantOn(const std::vector<double>& nm) const {
+        std::vector<double> illuminant;
+        if (!o_.reflectance || o_.illuminant == "D65")
+            return illuminant;
+        if (illuminantFile_)
+            return Analysis::Resample({illuminantFile_->nm.data(), illuminantFile_->values.data(),
+                                       static_cast<int>(illuminantFile_->nm.size())},
+                                      nm);
+        Analysis::NamedIlluminant(o_.illuminant, nm, illuminant);
+        return illuminant;
     }
 
     const AnalyzeOptions& o_;
     const ColorModel* xyz_;
     Korvane::Observer observer_;
-    GridModels models_;
     std::optional<SpectrumIO::Spectrum> illuminantFile_;
-    std::unique_ptr<HeldColour> scratch_;
+    std::vector<double> nm_;
+    PlugRef model_;
+    std::optional<Analysis::Colorimeter> colorimeter_;
 };
 
 using Json = nlohmann::ordered_json; // keys in the documented order
 
-Json Null() {
-    return Json(nullptr);
-}
+// The record of a spectrum (its keys: cli/analysis/ColorimetryRecord.h) as a JSON object.
+class JsonRecord final : public Analysis::RecordWriter {
+public:
+    void Null(const char* key) override { Top()[key] = nullptr; }
+    void Number(const char* key, double value) override { Top()[key] = value; }
+    void Count(const char* key, std::size_t value) override { Top()[key] = value; }
+    void Numbers(const char* key, const double* values, std::size_t count) override {
+        Top()[key] = std::vector<double>(values, values + count);
+    }
+    void Text(const char* key, const std::string& value) override { Top()[key] = value; }
+    void Flag(const char* key, bool value) override { Top()[key] = value; }
+    void Open(const char* key) override { open_.push_back(&(Top()[key] = Json::object())); }
+    void Close() override { open_.pop_back(); }
+
+    const Json& Object() const { return root_; }
+
+private:
+    Json& Top() { return open_.empty() ? root_ : *open_.back(); }
+
+    Json root_ = Json::object();
+    std::vector<Json*> open_; // nested records being written, innermost last
+};
 
 Json ToJson(const Result& r) {
-    using json = Json;
-    json j;
-    j["name"] = r.name;
-    j["file"] = r.file;
-    j["grid"] = {{"first", r.first}, {"last", r.last}, {"count", r.count}};
-    j["XYZ"] = {r.xyz[0], r.xyz[1], r.xyz[2]};
-    j["xy"] = {r.xy[0], r.xy[1]};
-    j["uv"] = {r.uv[0], r.uv[1]};
-    j["luminance"] = r.luminance;
-    j["radiant"] = r.radiant;
-    j["CCT"] = r.cct ? json(r.cct->cct) : Null();
-    j["Duv"] = r.cct ? json(r.cct->duv) : Null();
-    j["dominant_wavelength"] = r.dominant ? json(r.dominant->wavelength) : Null();
-    j["purity"] = r.dominant ? json(r.dominant->purity) : Null();
-    if (r.cri) {
-        j["CRI"] = {{"Ra", r.cri->ra}, {"R", r.cri->r}};
-    } else {
-        j["CRI"] = Null();
-    }
-    j["Lab"] = r.lab ? json{(*r.lab)[0], (*r.lab)[1], (*r.lab)[2]} : Null();
-    j["sRGB_linear"] = {r.linear[0], r.linear[1], r.linear[2]};
-    j["sRGB"] = {r.srgb.value[0], r.srgb.value[1], r.srgb.value[2]};
-    j["hex"] = r.srgb.hex;
-    j["sRGB_clipped"] = r.srgb.clipped;
-    return j;
+    JsonRecord record;
+    Analysis::WriteRecord(r, record);
+    return record.Object();
 }
 
 std::string Opt(bool has, double v) {
@@ -217,7 +152,7 @@ std::string CsvText(const std::string& s) {
 }
 
 void WriteCsvRow(const Result& r, std::ostream& out) {
-    out << CsvText(r.name) << ',' << CsvText(r.file) << ',' << Shortest(r.first) << ','
+    out << CsvText(*r.name) << ',' << CsvText(*r.file) << ',' << Shortest(r.first) << ','
         << Shortest(r.last) << ',' << r.count;
     for (double v : r.xyz)
         out << ',' << Shortest(v);
@@ -258,7 +193,7 @@ public:
     }
 
     void Row(const Result& r) {
-        out_ << Left(r.name);
+        out_ << Left(*r.name);
         for (double v : r.xyz)
             Cell(v);
         Cell(r.xy[0]);

@@ -18,10 +18,12 @@ print("korvane", korvane.__version__, "from", korvane.__file__, "plug-in", korva
 # The build tree: the package folder on PYTHONPATH, the plug-in from <build>/bin.
 (cd /tmp && env -u KORVANE_PLUGIN PYTHONPATH="$build/python" "$python" -c "$probe")
 
-# An install prefix: the package under lib/python3/dist-packages, the plug-in where it was put.
+# An install prefix: the package in the folder the build chose (KORVANE_PYTHON_INSTALL_DIR, the
+# interpreter's site folder by default), the plug-in where it was put.
+site="$(sed -n 's/^KORVANE_PYTHON_INSTALL_DIR:[A-Z]*=//p' "$build/CMakeCache.txt")"
 prefix="$(mktemp -d)"
 trap 'rm -rf "$prefix"' EXIT
 cmake --install "$build" --prefix "$prefix" >/dev/null
-(cd /tmp && env -u KORVANE_PLUGIN PYTHONPATH="$prefix/lib/python3/dist-packages" "$python" -c "$probe" |
-  grep -F "plug-in $prefix/")
+(cd /tmp && env -u KORVANE_PLUGIN PYTHONPATH="$prefix/$site" "$python" -c "$probe" |
+  grep -F "from $prefix/$site/korvane/" | grep -F "plug-in $prefix/")
 echo "check-python: build tree and install prefix both import korvane"

@@ -23,8 +23,10 @@ from __future__ import annotations
 import atexit as _atexit
 from typing import NamedTuple as _NamedTuple
 from typing import Optional as _Optional
+from typing import Tuple as _Tuple
 
 import numpy as _np
+import numpy.typing as _npt
 
 from ._korvane import (
     KorvaneError,
@@ -90,14 +92,16 @@ def grid(first: float, last: float, step: float) -> _np.ndarray:
     return first + step * _np.arange(count, dtype=_np.float64)
 
 
-def rgb_to_spectrum(rgb, grid=None, kind: str = "light") -> _np.ndarray:
+def rgb_to_spectrum(rgb: _npt.ArrayLike, grid: _Optional[_npt.ArrayLike] = None,
+                    kind: str = "light") -> _np.ndarray:
     """Spectra of linear sRGB colours (one per row): light (a D65-shaped spectrum for white) or
     surface (a reflectance, 1 everywhere for white), as the unpolarized spectral model
     reconstructs them on ``grid`` (default: its own grid)."""
     return convert(rgb, "URGB", "USpectr", kind, grid)
 
 
-def resample(values, wavelengths, grid, kind: str = "light") -> _np.ndarray:
+def resample(values: _npt.ArrayLike, wavelengths: _npt.ArrayLike, grid: _npt.ArrayLike,
+             kind: str = "light") -> _np.ndarray:
     """Spectra sampled on ``wavelengths`` (one per row) resampled onto ``grid`` through the
     spectral model's own conversion: linear between samples, held at the end values outside
     the source range."""
@@ -115,7 +119,7 @@ class Holder(_NamedTuple):
     """``"light"``, ``"ray"``, ``"surface"`` or ``"scalar"``."""
     values: _np.ndarray
     """The colour; a spectral colour has as many samples as it stored."""
-    xort: _Optional[tuple]
+    xort: _Optional[_Tuple[float, float, float]]
     """A polarized ray colour's X orientation, else None."""
 
 

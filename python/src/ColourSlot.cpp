@@ -3,7 +3,6 @@
 #include "python/src/Reports.h"
 #include "python/src/Session.h"
 
-#include "hostkit/colormodel/SpectralSizing.h"
 #include "plugin/models/ColourAccess.h"
 
 #include <stdexcept>
@@ -80,85 +79,20 @@ std::vector<long> ColourShape(const ColorModel& model, Kind kind) {
     return shape;
 }
 
-ColourSlot::ColourSlot(const ColorModel& model, Kind kind) : model_(&model), kind_(kind) {
-    doubles_ = 1;
+ColourSlot::ColourSlot(const ColorModel& model, Kind kind)
+    : ColourSlot(model, kind, Session::Reports().Mark()) {}
+
+ColourSlot::ColourSlot(const ColorModel& model, Kind kind, unsigned long long reportMark)
+    : ModelColour(model, kind) {
     for (long d : ColourShape(model, kind))
         doubles_ *= d;
-    void* colour = nullptr;
-    switch (kind) {
-    case Kind::Light: {
-        auto* h = model.NewLgtColorHold();
-        holder_ = h;
-        if (h)
-            colour = light_ = &h->Color();
-        break;
-    }
-    case Kind::Surface: {
-        auto* h = model.NewSurfColorHold();
-        holder_ = h;
-        if (h)
-            colour = surface_ = &h->Color();
-        break;
-    }
-    case Kind::Scalar: {
-        auto* h = model.NewScalarColorHold();
-        holder_ = h;
-        if (h)
-            colour = scalar_ = &h->Color();
-        break;
-    }
-    }
-    if (!colour)
+    if (Status() == kNoHolder)
         throw LibraryError(std::string("making a ") + KindWord(kind) + " colour holder of " +
                                model.Name(),
                            "the model made no holder", -1, {});
-    if (model.GetModelCode() & kSpectralBit) {
-        const unsigned long long mark = Session::Reports().Mark();
-        const int status = SizeSpectralColour(*holder_.Get(), model);
-        if (status != 0)
-            ThrowFailure(Session::Reports(), mark,
-                         std::string("sizing a spectral ") + KindWord(kind) + " colour", status);
-    }
-}
-
-void ColourSlot::Set(const double* values) {
-    switch (kind_) {
-    case Kind::Light:
-        model_->SetLgtColor(*light_, values);
-        return;
-    case Kind::Surface:
-        model_->SetSurfColor(*surface_, values);
-        return;
-    case Kind::Scalar:
-        model_->SetScalarColor(*scalar_, values);
-        return;
-    }
-}
-
-void ColourSlot::Get(double* out) const {
-    switch (kind_) {
-    case Kind::Light:
-        model_->LgtToArray(*light_, out);
-        return;
-    case Kind::Surface:
-        model_->SurfToArray(*surface_, out);
-        return;
-    case Kind::Scalar:
-        model_->ScalarToArray(*scalar_, out);
-        return;
-    }
-}
-
-int ColourSlot::ConvertFrom(const ColourSlot& from) {
-    switch (kind_) {
-    case Kind::Light:
-        return model_->ConvertColor(from.model_, *from.light_, *light_);
-    case Kind::Surface:
-        return model_->ConvertColor(from.model_, *from.surface_, *surface_);
-    case Kind::Scalar:
-        break;
-    }
-    return model_->ConvertColor(from.model_, *from.scalar_, *scalar_);
+    if (Status() != 0)
+        ThrowFailure(Session::Reports(), reportMark,
+                     std::string("sizing a spectral ") + KindWord(kind) + " colour", Status());
 }
 
 int StoredSamples(const ColorModel& model, Kind kind, const void* colour) {

@@ -6,6 +6,8 @@
 #include "python/src/HolderFiles.h"
 #include "python/src/Session.h"
 
+#include "cli/analysis/ColorimetryRecord.h"
+
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
@@ -158,48 +160,41 @@ py::dict LoadHolderFile(const std::string& path) {
     return d;
 }
 
-py::list List(const double* v, std::size_t n) {
-    py::list l;
-    for (std::size_t i = 0; i < n; ++i)
-        l.append(v[i]);
-    return l;
-}
-
-// One spectrum's record, with the keys and values of the tool's `analyze --json` spectra.
-py::dict Record(const SpectrumAnalysis& r) {
-    auto orNone = [](bool has, double v) { return has ? py::object(py::float_(v)) : py::none(); };
-    py::dict d;
-    d["name"] = py::none();
-    d["file"] = py::none();
-    py::dict grid;
-    grid["first"] = r.first;
-    grid["last"] = r.last;
-    grid["count"] = r.count;
-    d["grid"] = grid;
-    d["XYZ"] = List(r.xyz.data(), 3);
-    d["xy"] = List(r.xy.data(), 2);
-    d["uv"] = List(r.uv.data(), 2);
-    d["luminance"] = r.luminance;
-    d["radiant"] = r.radiant;
-    d["CCT"] = orNone(r.cct.has_value(), r.cct ? r.cct->cct : 0.0);
-    d["Duv"] = orNone(r.cct.has_value(), r.cct ? r.cct->duv : 0.0);
-    d["dominant_wavelength"] =
-        orNone(r.dominant.has_value(), r.dominant ? r.dominant->wavelength : 0.0);
-    d["purity"] = orNone(r.dominant.has_value(), r.dominant ? r.dominant->purity : 0.0);
-    if (r.cri) {
-        py::dict cri;
-        cri["Ra"] = r.cri->ra;
-        cri["R"] = List(r.cri->r.data(), r.cri->r.size());
-        d["CRI"] = cri;
-    } else {
-        d["CRI"] = py::none();
+// One spectrum's record as a dict, with the keys of the tool's `analyze --json` spectra
+// (cli/analysis/ColorimetryRecord.h).
+class DictRecord final : public Analysis::RecordWriter {
+public:
+    void Null(const char* key) override { Top()[key] = py::none(); }
+    void Number(const char* key, double value) override { Top()[key] = value; }
+    void Count(const char* key, std::size_t value) override { Top()[key] = value; }
+    void Numbers(const char* key, const double* values, std::size_t count) override {
+        py::list l;
+        for (std::size_t i = 0; i < count; ++i)
+            l.append(values[i]);
+        Top()[key] = l;
     }
-    d["Lab"] = r.lab ? py::object(List(r.lab->data(), 3)) : py::object(py::none());
-    d["sRGB_linear"] = List(r.linear.data(), 3);
-    d["sRGB"] = List(r.srgb.value.data(), 3);
-    d["hex"] = r.srgb.hex;
-    d["sRGB_clipped"] = r.srgb.clipped;
-    return d;
+    void Text(const char* key, const std::string& value) override { Top()[key] = value; }
+    void Flag(const char* key, bool value) override { Top()[key] = value; }
+    void Open(const char* key) override {
+        py::dict nested;
+        Top()[key] = nested;
+        open_.push_back(nested);
+    }
+    void Close() override { open_.pop_back(); }
+
+    const py::dict& Dict() const { return root_; }
+
+private:
+    py::dict& Top() { return open_.empty() ? root_ : open_.back(); }
+
+    py::dict root_;
+    std::vector<py::dict> open_; // nested records being written, innermost last
+};
+
+py::dict Record(const Analysis::SpectrumColorimetry& r) {
+    DictRecord record;
+    Analysis::WriteRecord(r, record);
+    return record.Dict();
 }
 
 // The session's observer for the length of one call, restored whatever happens.
@@ -247,7 +242,7 @@ py::object Analyze(const py::object& wavelengths, const py::object& values,
     if (observer != 2 && observer != 10)
         throw py::value_error("observer must be 2 (CIE 1931) or 10 (CIE 1964), not " +
                               std::to_string(observer));
-    std::vector<SpectrumAnalysis> results;
+    std::vector<Analysis::SpectrumColorimetry> results;
     {
         ObserverFor chosen(session, observer);
         results = AnalyzeSpectra(session, nm, rows.data.data(), rows.count, request);
@@ -255,7 +250,7 @@ py::object Analyze(const py::object& wavelengths, const py::object& values,
     if (rows.single)
         return Record(results.front());
     py::list out;
-    for (const SpectrumAnalysis& r : results)
+    for (const Analysis::SpectrumColorimetry& r : results)
         out.append(Record(r));
     return out;
 }
