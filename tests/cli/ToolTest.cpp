@@ -195,6 +195,72 @@ TEST(ToolResample, OntoASubsetGridKeepsTheSamples) {
 
 // ---- plot and holders -------------------------------------------------------------------------
 
+struct SvgText {
+    double x, y;
+    std::string text;
+};
+
+// The <text x='..' y='..'>...</text> elements of an SVG the tool wrote.
+std::vector<SvgText> Texts(const std::string& svg) {
+    std::vector<SvgText> out;
+    for (std::size_t at = svg.find("<text x='"); at != std::string::npos;
+         at = svg.find("<text x='", at + 1)) {
+        const std::size_t open = svg.find('>', at), close = svg.find("</text>", at);
+        const std::size_t y = svg.find("y='", at);
+        out.push_back({std::stod(svg.substr(at + 9)), std::stod(svg.substr(y + 3)),
+                       svg.substr(open + 1, close - open - 1)});
+    }
+    return out;
+}
+
+TEST(ToolPlot, LabelsOfNearbyPointsStayApart) {
+    // F1, F5 and D65 lie within a few thousandths in xy, on D65's own mark.
+    const std::string svg = TempFile("near.svg", "");
+    const ToolResult r = Tool("plot " + kRef + "F1.sp " + kRef + "F5.sp " + KORVANE_SOURCE_DIR +
+                              "/data/cie_d65_spd.csv -o '" + svg + "'");
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(r.out, "wrote " + svg + " (3 spectra)\n");
+    // The labels of the diagram (right of the spectra panel), each taken as 7 px a character
+    // wide and 9 px high (the cap height of 12 px type): no two overlap.
+    std::vector<SvgText> labels;
+    for (const SvgText& t : Texts(Read(svg)))
+        if (t.x > 600 &&
+            (t.text == "F1.sp:1" || t.text == "F5.sp:1" || t.text == "d65" || t.text == "D65"))
+            labels.push_back(t);
+    ASSERT_EQ(labels.size(), 4u);
+    for (std::size_t i = 0; i < labels.size(); ++i)
+        for (std::size_t j = i + 1; j < labels.size(); ++j) {
+            const SvgText &a = labels[i], &b = labels[j];
+            const double wa = 7.0 * static_cast<double>(a.text.size()),
+                         wb = 7.0 * static_cast<double>(b.text.size());
+            const bool apart =
+                a.x + wa <= b.x || b.x + wb <= a.x || a.y + 9 <= b.y || b.y + 9 <= a.y;
+            EXPECT_TRUE(apart) << a.text << " at " << a.x << "," << a.y << " and " << b.text
+                               << " at " << b.x << "," << b.y;
+        }
+}
+
+TEST(ToolPlot, TheLegendCountsWhatItLeavesOutAndTheMessageCountsInEnglish) {
+    std::string many = "nm";
+    for (int c = 1; c <= 14; ++c)
+        many += ",s" + std::to_string(c);
+    for (int nm = 400; nm <= 700; nm += 100) {
+        many += "\n" + std::to_string(nm);
+        for (int c = 1; c <= 14; ++c)
+            many += "," + std::to_string(c * (nm - 350));
+    }
+    const std::string svg = TempFile("many.svg", "");
+    ToolResult r = Tool("plot '" + TempFile("many.csv", many + "\n") + "' -o '" + svg + "'");
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(r.out, "wrote " + svg + " (14 spectra)\n");
+    const std::string text = Read(svg);
+    EXPECT_NE(text.find(">s12</text>"), std::string::npos);
+    EXPECT_NE(text.find(">+2 more</text>"), std::string::npos);
+    r = Tool("plot " + kRef + "F1.sp -o '" + svg + "'");
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(r.out, "wrote " + svg + " (1 spectrum)\n");
+}
+
 TEST(ToolHolder, SaveAndShowInBothFormats) {
     for (const char* format : {"binary", "text"}) {
         const std::string file = TempFile(std::string("c.") + format, "");
