@@ -132,12 +132,21 @@ int Run(int argc, char** argv, ToolSink& sink) {
     bool cCsv = false, cJson = false;
     std::vector<std::string> from;
     CLI::App* cConvert = app.add_subcommand(
-        "convert", "One colour from one model into another through the target model's "
-                   "ConvertColor.\nModels: bw rgb spectral xyz xyy stokes-bw stokes-rgb "
-                   "stokes-spectral.\nExample: korvane convert --from xyy 0.3127 0.329 1 --to rgb");
-    cConvert->add_option("--from", from, "Source model and its values (or a spectrum file)")
+        "convert",
+        "One colour from one model into another through the target model's ConvertColor.\n"
+        "Models: bw rgb spectral xyz xyy stokes-bw stokes-rgb stokes-spectral.\n"
+        "The table is for reading; --csv writes the numbers in full, and a spectral result in the "
+        "form --from spectral FILE reads back.\nExample: korvane convert --from xyy 0.3127 0.329 1 "
+        "--to rgb");
+    cConvert
+        ->add_option("--from", from,
+                     "Source model and its values, or a spectrum file for spectral and "
+                     "stokes-spectral (for Stokes, the unpolarized intensity)")
         ->expected(2, CLI::detail::expected_max_vector_size)
         ->required();
+    cConvert->add_option("--spectrum", convert.spectrum,
+                         "Which spectrum of a --from file holding several: its name or its "
+                         "number (1 = the first)");
     cConvert->add_option("--to", convert.to, "Target model")->required();
     cConvert->add_option("--kind", convert.kind, "light (default), surface or scalar");
     cConvert->add_option("--grid", convert.grid, "Spectral target grid: first last step (nm)")

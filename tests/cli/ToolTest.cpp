@@ -175,6 +175,51 @@ TEST(ToolConvert, XyyToRgbAndSurfaces) {
         EXPECT_NEAR(v.get<double>(), 0.5, 1e-12); // grey is flat
 }
 
+TEST(ToolConvert, ASpectrumFileGivesOneSpectrum) {
+    const std::string lamps = DataFile("lamps.csv");
+    // Two lamps: which one is up to the user, by name or by number.
+    ToolResult r = Tool("convert --from spectral '" + lamps + "' --to xyz");
+    EXPECT_EQ(r.code, 2);
+    EXPECT_EQ(r.err, "korvane: error: " + lamps +
+                         " holds 2 spectra: incandescent, white LED; choose one with --spectrum "
+                         "NAME or --spectrum NUMBER (1..2)\n");
+    EXPECT_EQ(r.out, "");
+    const ToolResult byName =
+        Tool("convert --from spectral '" + lamps + "' --spectrum 'white LED' --to xyz --json");
+    const ToolResult byNumber =
+        Tool("convert --from spectral '" + lamps + "' --spectrum 2 --to xyz --json");
+    const ToolResult first =
+        Tool("convert --from spectral '" + lamps + "' --spectrum 1 --to xyz --json");
+    ASSERT_EQ(byName.code, 0) << byName.err;
+    EXPECT_EQ(byName.out, byNumber.out);
+    EXPECT_NE(byName.out, first.out);
+    r = Tool("convert --from spectral '" + lamps + "' --spectrum 3 --to xyz");
+    EXPECT_EQ(r.code, 2);
+    EXPECT_EQ(r.err, "korvane: error: --spectrum 3: no spectrum of that name or number; " + lamps +
+                         " holds 2 spectra: incandescent, white LED\n");
+    r = Tool("convert --from rgb 1 1 1 --spectrum 1 --to xyz");
+    EXPECT_EQ(r.code, 2);
+    EXPECT_EQ(r.err, "korvane: error: --spectrum picks a spectrum of the file given to --from "
+                     "spectral or stokes-spectral\n");
+
+    // A Stokes spectral model takes a spectrum file as the intensity of unpolarized light (or
+    // of a depolarizing surface): the colour of the unpolarized model's, in intensity only.
+    const std::string f1 = " " + kRef + "F1.sp --json";
+    const ToolResult light = Tool("convert --from stokes-spectral" + f1 + " --to rgb");
+    ASSERT_EQ(light.code, 0) << light.err;
+    EXPECT_EQ(json::parse(light.out)["values"],
+              json::parse(Tool("convert --from spectral" + f1 + " --to rgb").out)["values"]);
+    const ToolResult surface =
+        Tool("convert --from stokes-spectral" + f1 + " --to stokes-rgb --kind surface");
+    ASSERT_EQ(surface.code, 0) << surface.err;
+    const json mueller = json::parse(surface.out)["values"];
+    const json plain = json::parse(
+        Tool("convert --from spectral" + f1 + " --to rgb --kind surface").out)["values"];
+    ASSERT_EQ(mueller.size(), 48u);
+    for (std::size_t i = 0; i < 48; ++i)
+        EXPECT_EQ(mueller[i].get<double>(), i % 16 == 0 ? plain[i / 16].get<double>() : 0.0) << i;
+}
+
 TEST(ToolResample, OntoASubsetGridKeepsTheSamples) {
     const ToolResult r = Tool("resample " + kRef + "F5.sp --grid 380 780 20");
     ASSERT_EQ(r.code, 0) << r.err;
