@@ -89,7 +89,8 @@ void CheckFinite(const std::vector<double>& v, const char* option) {
 int Run(int argc, char** argv, ToolSink& sink) {
     CLI::App app{"korvane: colorimetry of measured spectra and colour conversions through the "
                  "Korvane colour-model plug-in.\nWithout a command: the RGB round-trip overview "
-                 "on the built-in defaults."};
+                 "on the built-in defaults.",
+                 "korvane"};
     app.footer("Examples:\n  korvane analyze lamp.csv\n  korvane convert --from rgb 0.2 0.4 0.6 "
                "--to xyz\n  korvane plot lamp.csv -o lamp.svg\nExit codes: 0 success, 1 bad "
                "input data, 2 bad usage.");
@@ -98,8 +99,11 @@ int Run(int argc, char** argv, ToolSink& sink) {
     int observer = 2;
     bool verbose = false;
     app.add_option("--plugin", plugin, "Plug-in module to load (default: beside the executable)");
-    app.add_option("--observer", observer, "Standard observer: 2 (CIE 1931) or 10 (CIE 1964)")
-        ->check(CLI::IsMember({2, 10}));
+    const auto addObserver = [&observer](CLI::App* cmd) {
+        cmd->add_option("--observer", observer, "Standard observer: 2 (CIE 1931) or 10 (CIE 1964)")
+            ->check(CLI::IsMember({2, 10}));
+    };
+    addObserver(&app);
     app.add_flag("--verbose", verbose, "Also print the plug-in's log lines");
 
     // The overview (no command).
@@ -126,6 +130,7 @@ int Run(int argc, char** argv, ToolSink& sink) {
     cAnalyze->add_option("--illuminant", analyze.illuminant,
                          "D65, D50, A, E or a spectrum file (with --reflectance)");
     AddFormat(cAnalyze, aCsv, aJson, analyze.precision);
+    addObserver(cAnalyze);
 
     // convert
     ConvertOptions convert;
@@ -156,6 +161,7 @@ int Run(int argc, char** argv, ToolSink& sink) {
                      "Grid of a spectral source given as numbers: first last step (nm)")
         ->expected(3);
     AddFormat(cConvert, cCsv, cJson, convert.precision);
+    addObserver(cConvert);
 
     // resample
     ResampleOptions resample;
@@ -180,6 +186,7 @@ int Run(int argc, char** argv, ToolSink& sink) {
     cPlot->add_option("files", plot.files, "Spectrum files")->required();
     cPlot->add_option("-o,--output", plot.output, "SVG file to write")->required();
     cPlot->add_flag("--ucs", plot.ucs, "CIE 1976 u'v' diagram instead of CIE 1931 xy");
+    addObserver(cPlot);
 
     // holder
     HolderOptions holder;
@@ -187,7 +194,9 @@ int Run(int argc, char** argv, ToolSink& sink) {
         "holder", "Colour holders in plug files.\nExample: korvane holder save --model rgb "
                   "--values 0.2 0.4 0.6 --matrix 2 2 -o c.plug; korvane holder show c.plug");
     cHolder->require_subcommand(1);
-    CLI::App* cSave = cHolder->add_subcommand("save", "Write a holder to a plug file");
+    CLI::App* cSave = cHolder->add_subcommand(
+        "save", "Write a holder to a plug file.\nExample: korvane holder save --model spectral "
+                "--kind surface --values patch.csv -o patch.plug --format text");
     cSave->add_option("--model", holder.model, "Model of the holder")->required();
     cSave->add_option("--kind", holder.kind, "light (default), surface, scalar, ray, dual");
     cSave->add_option("--array", holder.array, "An array of N light colours, each the colour");
@@ -200,7 +209,8 @@ int Run(int argc, char** argv, ToolSink& sink) {
     cSave->add_option("-o,--output", holder.output, "Plug file to write")->required();
     cSave->add_option("--format", holder.format, "binary (default) or text")
         ->check(CLI::IsMember({"binary", "text"}));
-    CLI::App* cShow = cHolder->add_subcommand("show", "Print a plug file's type and values");
+    CLI::App* cShow = cHolder->add_subcommand(
+        "show", "Print a plug file's type and values.\nExample: korvane holder show patch.plug");
     cShow->add_option("file", holder.input, "Plug file")->required();
 
     try {
@@ -263,7 +273,7 @@ int Run(int argc, char** argv, ToolSink& sink) {
     } else {
         sink.quiet = false;
         if (!overview.csv)
-            std::cout << "plug-in: " << session.Path() << " (version " << session.Version()
+            std::cout << "plug-in: " << session.Path() << " (version id " << session.Version()
                       << ")\n";
         return RunReport(overview, std::cout, std::cerr);
     }

@@ -38,11 +38,44 @@ TEST(ToolOverview, DefaultsRunTheRoundTripAndSayWhatToTryNext) {
               std::string::npos)
         << r.out;
     EXPECT_NE(r.out.find("\nNext: korvane analyze FILE"), std::string::npos);
+    EXPECT_EQ(r.out.rfind("plug-in: ", 0), 0u);
+    EXPECT_NE(r.out.find(" (version id 263237)\nmodels: "), std::string::npos) << r.out;
     const ToolResult csv = Tool("--csv --grid 380 780 5 --observer 10 --rgb 0.2 0.4 0.6");
     ASSERT_EQ(csv.code, 0) << csv.err;
     EXPECT_NE(csv.out.find("rgb1,0.200000,0.400000,0.600000,0.200000,0.400000,0.600000,"),
               std::string::npos)
         << csv.out;
+}
+
+TEST(ToolHelp, NamesTheToolAndTheOptionsEachCommandTakes) {
+    const ToolResult top = Tool("--help");
+    ASSERT_EQ(top.code, 0) << top.err;
+    EXPECT_NE(top.out.find("\nUsage: korvane [OPTIONS] [SUBCOMMAND]\n"), std::string::npos)
+        << top.out;
+    // --observer where it changes the figures; an example for every command.
+    for (const char* cmd : {"analyze", "convert", "plot"}) {
+        const ToolResult r = Tool(std::string(cmd) + " --help");
+        ASSERT_EQ(r.code, 0) << r.err;
+        EXPECT_NE(r.out.find(std::string("Usage: korvane ") + cmd + " [OPTIONS]"),
+                  std::string::npos)
+            << r.out;
+        EXPECT_NE(r.out.find("  --observer INT:{2,10}"), std::string::npos) << r.out;
+        EXPECT_NE(r.out.find("Example: korvane " + std::string(cmd)), std::string::npos) << r.out;
+    }
+    for (const char* cmd : {"save", "show"}) {
+        const ToolResult r = Tool(std::string("holder ") + cmd + " --help");
+        ASSERT_EQ(r.code, 0) << r.err;
+        EXPECT_NE(r.out.find(std::string("Example: korvane holder ") + cmd), std::string::npos)
+            << r.out;
+    }
+    EXPECT_NE(Tool("convert --help")
+                  .out.find("--csv writes the numbers in full, and a spectral result in the "
+                            "form --from spectral FILE reads back"),
+              std::string::npos);
+    // The observer is still taken before the command.
+    const ToolResult ten = Tool("--observer 10 analyze --json " + kRef + "F1.sp");
+    ASSERT_EQ(ten.code, 0) << ten.err;
+    EXPECT_EQ(json::parse(ten.out)["observer"], "CIE 1964 10");
 }
 
 // ---- analyze: golden outputs and published values ---------------------------------------------
