@@ -127,8 +127,9 @@ int Run(int argc, char** argv, ToolSink& sink) {
         ->required();
     cAnalyze->add_flag("--reflectance", analyze.reflectance,
                        "The spectra are reflectances under --illuminant (adds CIELAB)");
-    cAnalyze->add_option("--illuminant", analyze.illuminant,
-                         "D65, D50, A, E or a spectrum file (with --reflectance)");
+    CLI::Option* illuminant =
+        cAnalyze->add_option("--illuminant", analyze.illuminant,
+                             "D65 (default), D50, A, E or a spectrum file (with --reflectance)");
     AddFormat(cAnalyze, aCsv, aJson, analyze.precision);
     addObserver(cAnalyze);
 
@@ -245,7 +246,7 @@ int Run(int argc, char** argv, ToolSink& sink) {
     CheckFinite(resample.grid, "--grid");
     if (*cResample && resample.grid.empty() && resample.gridFile.empty())
         UsageError("resample needs --grid FIRST LAST STEP or --grid-file FILE");
-    if (*cAnalyze && !analyze.reflectance && analyze.illuminant != "D65")
+    if (*cAnalyze && !analyze.reflectance && illuminant->count() > 0)
         UsageError("--illuminant applies to --reflectance only");
 
     sink.quiet = true; // the loader's reports become part of the message below

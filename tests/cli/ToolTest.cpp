@@ -612,6 +612,8 @@ TEST(ToolErrors, EveryPathSaysWhatAndExitsWithItsCode) {
          "korvane: error: --grid 1 1e+09 1 makes 1e+09 wavelengths; the tool takes at most 4001\n"},
         {"analyze - --illuminant A", "400,1\n", 2,
          "korvane: error: --illuminant applies to --reflectance only\n"},
+        {"analyze - --illuminant D65", "400,1\n", 2,
+         "korvane: error: --illuminant applies to --reflectance only\n"},
         {"resample -", "400,1\n", 2,
          "korvane: error: resample needs --grid FIRST LAST STEP or --grid-file FILE\n"},
         {"analyze", "", 2, "korvane: files is required\nRun 'korvane --help' for usage.\n"},
