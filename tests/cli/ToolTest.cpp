@@ -174,6 +174,53 @@ TEST(ToolAnalyze, ObserverTenChangesEveryFigure) {
     EXPECT_NE(a["spectra"][0]["CCT"], b["spectra"][0]["CCT"]);
 }
 
+// A flat 50 % reflector on 380..780 nm at 5 nm under each illuminant: its XYZ is half the
+// white's, so its xy is the illuminant's chromaticity and its CIELAB (76.07, 0, 0).
+TEST(ToolAnalyze, ReflectancesUnderEveryIlluminant) {
+    std::string flat;
+    for (int nm = 380; nm <= 780; nm += 5)
+        flat += std::to_string(nm) + ",0.5\n";
+    const std::string file = TempFile("flat.csv", flat);
+    struct Case {
+        std::string illuminant;
+        double x, y, tolerance;
+    };
+    // CIE 15:2004: D50 (0.34567, 0.35850), A (0.44757, 0.40745) from 5 nm sums; E (1/3, 1/3)
+    // to the rounding of the observer's table.
+    const Case cases[] = {{"D50", 0.34567, 0.35850, 2.5e-5},
+                          {"E", 1.0 / 3.0, 1.0 / 3.0, 1e-4},
+                          {"A", 0.44757, 0.40745, 2.5e-5},
+                          {"'" + DataFile("illuminant_a_5nm.csv") + "'", 0.44757, 0.40745, 2.5e-5}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.illuminant);
+        const ToolResult r =
+            Tool("analyze --json --reflectance --illuminant " + c.illuminant + " '" + file + "'");
+        ASSERT_EQ(r.code, 0) << r.err;
+        const json j = json::parse(r.out);
+        const json& s = j["spectra"][0];
+        EXPECT_NEAR(s["XYZ"][1].get<double>(), 0.5, 1e-12);
+        EXPECT_NEAR(s["xy"][0].get<double>(), c.x, c.tolerance);
+        EXPECT_NEAR(s["xy"][1].get<double>(), c.y, c.tolerance);
+        EXPECT_NEAR(s["Lab"][0].get<double>(), 76.0693, 1e-4);
+        EXPECT_NEAR(s["Lab"][1].get<double>(), 0.0, 1e-9);
+        EXPECT_NEAR(s["Lab"][2].get<double>(), 0.0, 1e-9);
+        EXPECT_EQ(j["kind"], "reflectance");
+    }
+    // The A of the file and the A of the formula light the coloured patches alike.
+    const ToolResult named =
+        Tool("analyze --json --reflectance --illuminant A " + DataFile("patches.txt"));
+    const ToolResult table =
+        Tool("analyze --json --reflectance --illuminant '" + DataFile("illuminant_a_5nm.csv") +
+             "' " + DataFile("patches.txt"));
+    ASSERT_EQ(table.code, 0) << table.err;
+    const json a = json::parse(named.out), b = json::parse(table.out);
+    ASSERT_EQ(a["spectra"].size(), b["spectra"].size());
+    for (std::size_t i = 0; i < a["spectra"].size(); ++i)
+        for (std::size_t k = 0; k < 3; ++k)
+            EXPECT_NEAR(a["spectra"][i]["Lab"][k].get<double>(),
+                        b["spectra"][i]["Lab"][k].get<double>(), 1e-4);
+}
+
 // ---- convert and resample: round trips --------------------------------------------------------
 
 TEST(ToolConvert, RgbThroughASpectrumAndBack) {
@@ -581,6 +628,13 @@ TEST(ToolErrors, EveryPathSaysWhatAndExitsWithItsCode) {
          "format (line 4); found none\n"},
         {"analyze /nonexistent/lamp.csv", "", 1,
          "korvane: error: /nonexistent/lamp.csv: cannot open: No such file or directory\n"},
+        {"plot - -o /nonexistent/plot.svg", "400,1\n500,1\n", 1,
+         "korvane: error: /nonexistent/plot.svg: cannot write: No such file or directory\n"},
+        {"holder show /nonexistent/c.plug", "", 1,
+         "korvane: error: PlugFile: cannot open \"/nonexistent/c.plug\": No such file or "
+         "directory\n"},
+        {"resample - --grid-file /nonexistent/grid.csv", "400,1\n", 1,
+         "korvane: error: /nonexistent/grid.csv: cannot open: No such file or directory\n"},
         {"convert --from rgb 0.2 0.4 0.6 --to stokes-spectral", "", 1,
          "korvane: error: the StkSpectr model refused the light colour of URGB: Not supported "
          "spectral light color conversion\n"},
@@ -624,6 +678,40 @@ TEST(ToolErrors, EveryPathSaysWhatAndExitsWithItsCode) {
         EXPECT_EQ(r.err, c.message) << c.args;
         EXPECT_EQ(r.out.find("error"), std::string::npos) << c.args; // nothing on stdout
     }
+}
+
+// Errors that need files of their own: a file that is not a plug file, a grid file that is not a
+// spectrum file or is too long, and a later file failing after the earlier ones were written.
+TEST(ToolErrors, FilesThatAreNotWhatTheCommandNeeds) {
+    const std::string lamps = DataFile("lamps.csv");
+    ToolResult r = Tool("holder show '" + lamps + "'");
+    EXPECT_EQ(r.code, 1);
+    EXPECT_EQ(r.err, "korvane: error: PlugFile: cannot read \"" + lamps +
+                         "\": not a plug file (neither a binary nor a text archive)\n");
+    EXPECT_EQ(r.out, "");
+
+    const std::string badGrid = TempFile("grid.csv", "400,1\n400,2\n");
+    r = Tool("resample '" + lamps + "' --grid-file '" + badGrid + "'");
+    EXPECT_EQ(r.code, 1);
+    EXPECT_EQ(r.err, "korvane: error: " + badGrid +
+                         ":2:1: expected a wavelength above the previous one (400), found '400'\n");
+    EXPECT_EQ(r.out, "");
+    std::string longGrid;
+    for (int i = 0; i < 4002; ++i)
+        longGrid += std::to_string(300 + i * 0.1) + ",1\n";
+    const std::string tooLong = TempFile("long.csv", longGrid);
+    r = Tool("resample '" + lamps + "' --grid-file '" + tooLong + "'");
+    EXPECT_EQ(r.code, 1); // a grid from a file is data; --grid on the command line is usage
+    EXPECT_EQ(r.err, "korvane: error: " + tooLong +
+                         " has 4002 wavelengths; the tool's spectral models take at most 4001\n");
+
+    // Results are written as each file is read: the first file's row stays, then the error.
+    const std::string bad = TempFile("bad.csv", "nm,a\n400,1\n500,x\n");
+    r = Tool("analyze " + kRef + "F1.sp '" + bad + "' --precision 3");
+    EXPECT_EQ(r.code, 1);
+    EXPECT_EQ(r.err, "korvane: error: " + bad + ":3:5: expected a finite number, found 'x'\n");
+    EXPECT_NE(r.out.find("\nF1.sp:1 "), std::string::npos) << r.out;
+    EXPECT_EQ(r.out.find("bad.csv"), std::string::npos) << r.out;
 }
 
 TEST(ToolErrors, GridsBeyondTheToolsBoundAreRefusedWithoutLoadingThem) {
