@@ -3,8 +3,9 @@
 // CIE converter only. Without a command it runs the RGB round-trip overview on the built-in
 // defaults; the commands analyze, convert, resample, plot and holder are described by --help.
 //
-// Exit codes: 0 success, 1 bad input data (files, numbers, refused grids or conversions), 2 bad
-// usage. Messages go to standard error, results to standard output.
+// Exit codes: 0 success, 1 bad input data (what files hold, files that cannot be opened or
+// written, conversions the models refuse), 2 bad usage (the command line, numbers and grids
+// given on it included). Messages go to standard error, results to standard output.
 #include "cli/Analyze.h"
 #include "cli/ColourReport.h"
 #include "cli/Convert.h"
@@ -93,7 +94,8 @@ int Run(int argc, char** argv, ToolSink& sink) {
                  "korvane"};
     app.footer("Examples:\n  korvane analyze lamp.csv\n  korvane convert --from rgb 0.2 0.4 0.6 "
                "--to xyz\n  korvane plot lamp.csv -o lamp.svg\nExit codes: 0 success, 1 bad "
-               "input data, 2 bad usage.");
+               "input data (files, refused conversions), 2 bad usage (the command line, its "
+               "numbers and grids included).");
     app.fallthrough(); // --observer, --plugin and --verbose also after the command
     std::string plugin;
     int observer = 2;
