@@ -8,6 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <charconv>
 #include <map>
 
 namespace Korvane::Cli {
@@ -61,6 +62,49 @@ std::vector<std::string> ChannelNames(const ColorModel* m, Kind kind) {
     return out;
 }
 
+// The spectrum of `path` that `pick` names (its name, or its number counted from 1; a name wins),
+// or the file's only spectrum when `pick` is empty. Picking is up to the user: a file of several
+// spectra without a pick, or a pick that matches none, is a usage error naming what the file
+// holds.
+SpectrumIO::Spectrum PickSpectrum(const std::string& path, const std::string& pick) {
+    std::size_t number = 0;
+    const char* end = pick.data() + pick.size();
+    if (std::from_chars(pick.data(), end, number).ptr != end)
+        number = 0;
+    SpectrumIO::Spectrum byName, byNumber;
+    bool named = false, numbered = false;
+    std::size_t count = 0;
+    std::string some; // the first few names, for the message
+    ReadSpectrumFile(path, [&](SpectrumIO::Spectrum& s) {
+        ++count;
+        if (count <= 4)
+            some += (count > 1 ? ", " : "") + s.name;
+        else if (count == 5)
+            some += ", ...";
+        if (!pick.empty() && !named && s.name == pick) {
+            byName = s;
+            named = true;
+        }
+        if ((pick.empty() && count == 1) || (number > 0 && count == number)) {
+            byNumber = std::move(s);
+            numbered = true;
+        }
+        return true;
+    });
+    if (count == 0)
+        DataError(path + ": no spectra");
+    const std::string holds =
+        " holds " + std::to_string(count) + (count == 1 ? " spectrum" : " spectra") + ": " + some;
+    if (pick.empty() && count > 1)
+        UsageError(path + holds + "; choose one with --spectrum NAME or --spectrum NUMBER (1.." +
+                   std::to_string(count) + ")");
+    if (named)
+        return byName;
+    if (!numbered)
+        UsageError("--spectrum " + pick + ": no spectrum of that name or number; " + path + holds);
+    return byNumber;
+}
+
 } // namespace
 
 std::string ModelIdent(const std::string& name) {
@@ -93,8 +137,11 @@ void RunConvert(const ConvertOptions& o, std::ostream& out) {
     double probe = 0.0;
     const bool fromFile =
         fromSpectral && o.values.size() == 1 && !SpectrumIO::ParseFinite(o.values[0], probe);
+    if (!o.spectrum.empty() && !fromFile)
+        UsageError("--spectrum picks a spectrum of the file given to --from spectral or "
+                   "stokes-spectral");
     if (fromFile) {
-        SpectrumIO::Spectrum s = FirstSpectrum(o.values[0]);
+        SpectrumIO::Spectrum s = PickSpectrum(o.values[0], o.spectrum);
         CheckGridSize(s.nm.size(), o.values[0] + ": spectrum " + s.name);
         fromNm = s.nm;
         values = s.values;
@@ -120,6 +167,17 @@ void RunConvert(const ConvertOptions& o, std::ostream& out) {
     const ModelHold dst = ModelFor(toIdent, toNm.empty() ? nullptr : &toNm);
 
     HeldColour in(src.model, kind), result(dst.model, kind);
+    // A spectrum file gives one value per wavelength: for a Stokes model it is the intensity, as
+    // `holder save` reads it: the light's S0 (unpolarized, S1 = S2 = S3 = 0), or element (0,0) of
+    // a surface's Mueller matrices (a depolarizing surface).
+    if (fromFile && src.model->HasPolarization() && kind != Kind::Scalar &&
+        static_cast<int>(values.size()) == src.model->NWaves()) {
+        const std::size_t per = kind == Kind::Light ? 4 : 16;
+        std::vector<double> full(values.size() * per, 0.0);
+        for (std::size_t i = 0; i < values.size(); ++i)
+            full[per * i] = values[i];
+        values = std::move(full);
+    }
     if (static_cast<int>(values.size()) != in.ValueCount())
         UsageError("--from " + o.from + " " + KindName(kind) + " takes " +
                    std::to_string(in.ValueCount()) + " values, got " +

@@ -16,6 +16,7 @@ namespace Korvane::Cli {
 struct ConvertOptions {
     std::string from;                // model name (see ModelIdent)
     std::vector<std::string> values; // numbers, or one spectrum file for a spectral source
+    std::string spectrum;            // which spectrum of that file: a name or a 1-based number
     std::string to;
     std::string kind = "light";   // light, surface, scalar
     std::vector<double> fromGrid; // first last step for numbers of a spectral source

@@ -95,6 +95,35 @@ void Polyline(std::ostream& svg, const Panel& p, const std::vector<Vec2>& pts,
     svg << "'/>\n";
 }
 
+// A text's box on the page, estimated from its length (the SVG viewer lays it out): 0.62 of
+// the font size per character, from the cap height above the baseline to the descent below.
+struct Box {
+    double x0, y0, x1, y1;
+    bool Overlaps(const Box& o) const { return x0 < o.x1 && o.x0 < x1 && y0 < o.y1 && o.y0 < y1; }
+};
+
+Box TextBox(double x, double baseline, const std::string& text, double size) {
+    std::size_t chars = 0;
+    for (char c : text)
+        chars += (static_cast<unsigned char>(c) & 0xC0) != 0x80; // UTF-8 lead bytes
+    return {x, baseline - 0.8 * size, x + 0.62 * size * static_cast<double>(chars),
+            baseline + 0.25 * size};
+}
+
+// The vertical offset of a label at (x, baseline) that overlaps none of `taken`: 0, then a line
+// down, a line up, two lines down, ... (at most 12 lines away; beyond that it stays put).
+double FreeOffset(double x, double baseline, const std::string& text, double size,
+                  const std::vector<Box>& taken) {
+    const double line = size + 2.0;
+    for (int step = 0; step <= 24; ++step) {
+        const double dy = (step % 2 == 1 ? 1.0 : -1.0) * line * ((step + 1) / 2);
+        const Box b = TextBox(x, baseline + dy, text, size);
+        if (std::none_of(taken.begin(), taken.end(), [&](const Box& t) { return b.Overlaps(t); }))
+            return dy;
+    }
+    return 0.0;
+}
+
 } // namespace
 
 void RunPlot(const PlotOptions& o, std::ostream& out) {
@@ -161,14 +190,19 @@ void RunPlot(const PlotOptions& o, std::ostream& out) {
         Polyline(svg, sp, pts, "stroke='" + s.colour + "' stroke-width='2'");
     }
 
-    // Legend: each spectrum's colour and name, top right of the spectra.
-    for (std::size_t i = 0; i < series.size() && i < 12; ++i) {
+    // Legend: each spectrum's colour and name, top right of the spectra; beyond 12, a count.
+    constexpr std::size_t kLegendRows = 12;
+    for (std::size_t i = 0; i < series.size() && i < kLegendRows; ++i) {
         const double y = sp.top + 16 + 16 * static_cast<double>(i);
         svg << "<rect x='" << F(sp.left + sp.w - 150) << "' y='" << F(y - 9) << "' width='14' "
             << "height='10' fill='" << series[i].colour << "' stroke='#333'/><text x='"
             << F(sp.left + sp.w - 130) << "' y='" << F(y) << "'>" << Escape(series[i].name)
             << "</text>\n";
     }
+    if (series.size() > kLegendRows)
+        svg << "<text x='" << F(sp.left + sp.w - 130) << "' y='"
+            << F(sp.top + 16 + 16 * static_cast<double>(kLegendRows)) << "' fill='#444'>+"
+            << series.size() - kLegendRows << " more</text>\n";
 
     // Chromaticity diagram.
     // Equal scales on both axes: 650 px per unit of u'v', 500 px per unit of xy.
@@ -207,25 +241,47 @@ void RunPlot(const PlotOptions& o, std::ostream& out) {
     for (double t = 1000.0; t <= 25000.0; t *= 1.02)
         planck.push_back(toDiagram(Analysis::PlanckianXy(t, observer)));
     Polyline(svg, cp, planck, "stroke='#b03000' stroke-width='1.2'");
+    std::vector<Box> taken; // what the spectra's labels must keep clear of
     for (double t : {1500.0, 2000.0, 2856.0, 4000.0, 6500.0, 10000.0}) {
         const Vec2 v = toDiagram(Analysis::PlanckianXy(t, observer));
+        const std::string label = Digits(t, 5) + " K";
         svg << "<circle cx='" << F(cp.X(v[0])) << "' cy='" << F(cp.Y(v[1]))
             << "' r='2.5' fill='#b03000'/><text x='" << F(cp.X(v[0]) - 4) << "' y='"
-            << F(cp.Y(v[1]) + 14) << "' font-size='10' fill='#b03000' text-anchor='end'>"
-            << Digits(t, 5) << " K</text>\n";
+            << F(cp.Y(v[1]) + 14) << "' font-size='10' fill='#b03000' text-anchor='end'>" << label
+            << "</text>\n";
+        Box b = TextBox(cp.X(v[0]) - 4, cp.Y(v[1]) + 14, label, 10);
+        const double w = b.x1 - b.x0;
+        taken.push_back({b.x0 - w, b.y0, b.x1 - w, b.y1}); // anchored at its end
     }
     const Vec2 d65 = toDiagram(Analysis::Xy(
         {n[0][0] + n[0][1] + n[0][2], n[1][0] + n[1][1] + n[1][2], n[2][0] + n[2][1] + n[2][2]}));
     svg << "<path d='M" << F(cp.X(d65[0]) - 5) << ' ' << F(cp.Y(d65[1])) << " h10 M"
         << F(cp.X(d65[0])) << ' ' << F(cp.Y(d65[1]) - 5) << " v10' stroke='#000'/><text x='"
         << F(cp.X(d65[0]) + 6) << "' y='" << F(cp.Y(d65[1]) - 6) << "'>D65</text>\n";
+    // The points, then their labels: right of the point, moved a line at a time down or up
+    // until clear of the CCT ticks' and D65's labels, the points and the labels already placed
+    // (spectra of nearby colours, e.g. daylight-like lamps, would otherwise print over each
+    // other), with a leader line to a label that moved.
+    taken.push_back(TextBox(cp.X(d65[0]) + 6, cp.Y(d65[1]) - 6, "D65", 12));
     for (const Series& s : series) {
         if (!std::isfinite(s.point[0]) || !std::isfinite(s.point[1]))
             continue;
-        svg << "<circle cx='" << F(cp.X(s.point[0])) << "' cy='" << F(cp.Y(s.point[1]))
-            << "' r='5' fill='" << s.colour << "' stroke='#000'/><text x='"
-            << F(cp.X(s.point[0]) + 8) << "' y='" << F(cp.Y(s.point[1]) + 4) << "'>"
-            << Escape(s.name) << "</text>\n";
+        const double x = cp.X(s.point[0]), y = cp.Y(s.point[1]);
+        svg << "<circle cx='" << F(x) << "' cy='" << F(y) << "' r='5' fill='" << s.colour
+            << "' stroke='#000'/>\n";
+        taken.push_back({x - 5, y - 5, x + 5, y + 5});
+    }
+    for (const Series& s : series) {
+        if (!std::isfinite(s.point[0]) || !std::isfinite(s.point[1]))
+            continue;
+        const double x = cp.X(s.point[0]), y = cp.Y(s.point[1]);
+        const std::string label = Escape(s.name);
+        const double dy = FreeOffset(x + 8, y + 4, s.name, 12, taken);
+        taken.push_back(TextBox(x + 8, y + 4 + dy, s.name, 12));
+        if (dy != 0.0)
+            svg << "<line x1='" << F(x + 4) << "' y1='" << F(y + (dy > 0 ? 3 : -3)) << "' x2='"
+                << F(x + 7) << "' y2='" << F(y + dy) << "' stroke='#666' stroke-width='0.8'/>\n";
+        svg << "<text x='" << F(x + 8) << "' y='" << F(y + 4 + dy) << "'>" << label << "</text>\n";
     }
     svg << "</svg>\n";
 
@@ -236,7 +292,8 @@ void RunPlot(const PlotOptions& o, std::ostream& out) {
     file.close();
     if (!file)
         DataError(o.output + ": cannot write: " + std::strerror(errno));
-    out << "wrote " << o.output << " (" << series.size() << " spectra)\n";
+    out << "wrote " << o.output << " (" << series.size()
+        << (series.size() == 1 ? " spectrum)\n" : " spectra)\n");
 }
 
 } // namespace Korvane::Cli

@@ -1,5 +1,6 @@
-// ToolError: what ends a command early, with the tool's exit code: 1 for bad input data (a file,
-// a number, a grid or a conversion the models refuse), 2 for bad usage (options and arguments).
+// ToolError: what ends a command early, with the tool's exit code: 1 for bad input data (what a
+// file holds, a file that cannot be opened or written, a conversion the models refuse), 2 for bad
+// usage (options and arguments, the numbers and grids given on the command line included).
 // main catches it, writes the message to standard error and exits with the code.
 #pragma once
 

@@ -3,8 +3,9 @@
 // CIE converter only. Without a command it runs the RGB round-trip overview on the built-in
 // defaults; the commands analyze, convert, resample, plot and holder are described by --help.
 //
-// Exit codes: 0 success, 1 bad input data (files, numbers, refused grids or conversions), 2 bad
-// usage. Messages go to standard error, results to standard output.
+// Exit codes: 0 success, 1 bad input data (what files hold, files that cannot be opened or
+// written, conversions the models refuse), 2 bad usage (the command line, numbers and grids
+// given on it included). Messages go to standard error, results to standard output.
 #include "cli/Analyze.h"
 #include "cli/ColourReport.h"
 #include "cli/Convert.h"
@@ -89,17 +90,22 @@ void CheckFinite(const std::vector<double>& v, const char* option) {
 int Run(int argc, char** argv, ToolSink& sink) {
     CLI::App app{"korvane: colorimetry of measured spectra and colour conversions through the "
                  "Korvane colour-model plug-in.\nWithout a command: the RGB round-trip overview "
-                 "on the built-in defaults."};
+                 "on the built-in defaults.",
+                 "korvane"};
     app.footer("Examples:\n  korvane analyze lamp.csv\n  korvane convert --from rgb 0.2 0.4 0.6 "
                "--to xyz\n  korvane plot lamp.csv -o lamp.svg\nExit codes: 0 success, 1 bad "
-               "input data, 2 bad usage.");
+               "input data (files, refused conversions), 2 bad usage (the command line, its "
+               "numbers and grids included).");
     app.fallthrough(); // --observer, --plugin and --verbose also after the command
     std::string plugin;
     int observer = 2;
     bool verbose = false;
     app.add_option("--plugin", plugin, "Plug-in module to load (default: beside the executable)");
-    app.add_option("--observer", observer, "Standard observer: 2 (CIE 1931) or 10 (CIE 1964)")
-        ->check(CLI::IsMember({2, 10}));
+    const auto addObserver = [&observer](CLI::App* cmd) {
+        cmd->add_option("--observer", observer, "Standard observer: 2 (CIE 1931) or 10 (CIE 1964)")
+            ->check(CLI::IsMember({2, 10}));
+    };
+    addObserver(&app);
     app.add_flag("--verbose", verbose, "Also print the plug-in's log lines");
 
     // The overview (no command).
@@ -123,21 +129,32 @@ int Run(int argc, char** argv, ToolSink& sink) {
         ->required();
     cAnalyze->add_flag("--reflectance", analyze.reflectance,
                        "The spectra are reflectances under --illuminant (adds CIELAB)");
-    cAnalyze->add_option("--illuminant", analyze.illuminant,
-                         "D65, D50, A, E or a spectrum file (with --reflectance)");
+    CLI::Option* illuminant =
+        cAnalyze->add_option("--illuminant", analyze.illuminant,
+                             "D65 (default), D50, A, E or a spectrum file (with --reflectance)");
     AddFormat(cAnalyze, aCsv, aJson, analyze.precision);
+    addObserver(cAnalyze);
 
     // convert
     ConvertOptions convert;
     bool cCsv = false, cJson = false;
     std::vector<std::string> from;
     CLI::App* cConvert = app.add_subcommand(
-        "convert", "One colour from one model into another through the target model's "
-                   "ConvertColor.\nModels: bw rgb spectral xyz xyy stokes-bw stokes-rgb "
-                   "stokes-spectral.\nExample: korvane convert --from xyy 0.3127 0.329 1 --to rgb");
-    cConvert->add_option("--from", from, "Source model and its values (or a spectrum file)")
+        "convert",
+        "One colour from one model into another through the target model's ConvertColor.\n"
+        "Models: bw rgb spectral xyz xyy stokes-bw stokes-rgb stokes-spectral.\n"
+        "The table is for reading; --csv writes the numbers in full, and a spectral result in the "
+        "form --from spectral FILE reads back.\nExample: korvane convert --from xyy 0.3127 0.329 1 "
+        "--to rgb");
+    cConvert
+        ->add_option("--from", from,
+                     "Source model and its values, or a spectrum file for spectral and "
+                     "stokes-spectral (for Stokes, the unpolarized intensity)")
         ->expected(2, CLI::detail::expected_max_vector_size)
         ->required();
+    cConvert->add_option("--spectrum", convert.spectrum,
+                         "Which spectrum of a --from file holding several: its name or its "
+                         "number (1 = the first)");
     cConvert->add_option("--to", convert.to, "Target model")->required();
     cConvert->add_option("--kind", convert.kind, "light (default), surface or scalar");
     cConvert->add_option("--grid", convert.grid, "Spectral target grid: first last step (nm)")
@@ -147,6 +164,7 @@ int Run(int argc, char** argv, ToolSink& sink) {
                      "Grid of a spectral source given as numbers: first last step (nm)")
         ->expected(3);
     AddFormat(cConvert, cCsv, cJson, convert.precision);
+    addObserver(cConvert);
 
     // resample
     ResampleOptions resample;
@@ -171,6 +189,7 @@ int Run(int argc, char** argv, ToolSink& sink) {
     cPlot->add_option("files", plot.files, "Spectrum files")->required();
     cPlot->add_option("-o,--output", plot.output, "SVG file to write")->required();
     cPlot->add_flag("--ucs", plot.ucs, "CIE 1976 u'v' diagram instead of CIE 1931 xy");
+    addObserver(cPlot);
 
     // holder
     HolderOptions holder;
@@ -178,7 +197,9 @@ int Run(int argc, char** argv, ToolSink& sink) {
         "holder", "Colour holders in plug files.\nExample: korvane holder save --model rgb "
                   "--values 0.2 0.4 0.6 --matrix 2 2 -o c.plug; korvane holder show c.plug");
     cHolder->require_subcommand(1);
-    CLI::App* cSave = cHolder->add_subcommand("save", "Write a holder to a plug file");
+    CLI::App* cSave = cHolder->add_subcommand(
+        "save", "Write a holder to a plug file.\nExample: korvane holder save --model spectral "
+                "--kind surface --values patch.csv -o patch.plug --format text");
     cSave->add_option("--model", holder.model, "Model of the holder")->required();
     cSave->add_option("--kind", holder.kind, "light (default), surface, scalar, ray, dual");
     cSave->add_option("--array", holder.array, "An array of N light colours, each the colour");
@@ -191,7 +212,8 @@ int Run(int argc, char** argv, ToolSink& sink) {
     cSave->add_option("-o,--output", holder.output, "Plug file to write")->required();
     cSave->add_option("--format", holder.format, "binary (default) or text")
         ->check(CLI::IsMember({"binary", "text"}));
-    CLI::App* cShow = cHolder->add_subcommand("show", "Print a plug file's type and values");
+    CLI::App* cShow = cHolder->add_subcommand(
+        "show", "Print a plug file's type and values.\nExample: korvane holder show patch.plug");
     cShow->add_option("file", holder.input, "Plug file")->required();
 
     try {
@@ -226,7 +248,7 @@ int Run(int argc, char** argv, ToolSink& sink) {
     CheckFinite(resample.grid, "--grid");
     if (*cResample && resample.grid.empty() && resample.gridFile.empty())
         UsageError("resample needs --grid FIRST LAST STEP or --grid-file FILE");
-    if (*cAnalyze && !analyze.reflectance && analyze.illuminant != "D65")
+    if (*cAnalyze && !analyze.reflectance && illuminant->count() > 0)
         UsageError("--illuminant applies to --reflectance only");
 
     sink.quiet = true; // the loader's reports become part of the message below
@@ -254,7 +276,7 @@ int Run(int argc, char** argv, ToolSink& sink) {
     } else {
         sink.quiet = false;
         if (!overview.csv)
-            std::cout << "plug-in: " << session.Path() << " (version " << session.Version()
+            std::cout << "plug-in: " << session.Path() << " (version id " << session.Version()
                       << ")\n";
         return RunReport(overview, std::cout, std::cerr);
     }

@@ -62,9 +62,13 @@ bool LineReader::Next(std::string& line) {
 }
 
 bool LineReader::Fail(long column, const std::string& message) {
+    return FailAt(number_, column, message);
+}
+
+bool LineReader::FailAt(long line, long column, const std::string& message) {
     failed_ = true;
     error_.file = file_;
-    error_.line = number_;
+    error_.line = line;
     error_.column = column;
     error_.message = message;
     return false;

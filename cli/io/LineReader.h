@@ -24,6 +24,8 @@ public:
 
     // Records an error at `column` (1-based; 0 for the whole line) of the current line.
     bool Fail(long column, const std::string& message);
+    // The same at an earlier line (1-based), for an error found only after reading ahead.
+    bool FailAt(long line, long column, const std::string& message);
 
 private:
     bool Fill(); // more input into buf_; false at the end

@@ -53,6 +53,43 @@ TEST(DelimitedReader, DialectsGiveTheSameSpectra) {
     EXPECT_EQ(r.spectra[0].values, (std::vector<double>{0.25, 1e-3}));
 }
 
+// Names may hold any delimiter but the file's own, and that one too in quotes: the delimiter is
+// the one after the first data line's wavelength, and quotes protect what they hold.
+TEST(DelimitedReader, NamesMayHoldDelimiters) {
+    const std::vector<std::pair<std::string, std::vector<std::string>>> cases = {
+        {"nm;warm, 2700 K;cool\n400;1;2\n500;3;4\n", {"warm, 2700 K", "cool"}},
+        {"nm;\"warm; 2700 K\";cool\n400;1;2\n500;3;4\n", {"warm; 2700 K", "cool"}},
+        {"nm, \"the \"\"warm\"\" one\" ,cool\n400,1,2\n500 , 3,4\n", {"the \"warm\" one", "cool"}},
+        {"# lamps\nnm\t\"a\tb\"\tc;d, e\n\n400\t1\t2\n500\t3\t4\n", {"a\tb", "c;d, e"}},
+        {"nm \"warm white\"  cool\n400 1 2\n500 \"3\" 4\n", {"warm white", "cool"}},
+    };
+    for (const auto& [text, names] : cases) {
+        const Read r = ReadText(text);
+        ASSERT_TRUE(r.ok) << r.error << " in " << text;
+        ASSERT_EQ(r.spectra.size(), 2u) << text;
+        EXPECT_EQ(r.spectra[0].name, names[0]);
+        EXPECT_EQ(r.spectra[1].name, names[1]);
+        EXPECT_EQ(r.spectra[0].values, (std::vector<double>{1, 3})) << text;
+        EXPECT_EQ(r.spectra[1].values, (std::vector<double>{2, 4})) << text;
+    }
+    // Decimal commas in semicolon-separated values are not read as delimiters.
+    EXPECT_EQ(ReadText("nm;a\n400;0,5\n").error, "f:2:5: expected a finite number, found '0,5'");
+    // Quotes are checked wherever they are, with the place of the fault.
+    EXPECT_EQ(ReadText("nm;\"warm;cool\n400;1;2\n").error, "f:1:4: expected a closing '\"'");
+    EXPECT_EQ(ReadText("nm;\"warm\"x;cool\n400;1;2\n").error,
+              "f:1:10: expected a semicolon or the line end after a closing '\"', found 'x'");
+    EXPECT_EQ(ReadText("400 \"1\"2\n").error,
+              "f:1:8: expected a space or the line end after a closing '\"', found '2'");
+    EXPECT_EQ(ReadText("nm;a;b\n400;1;2\n500;\"3;4\n").error, "f:3:5: expected a closing '\"'");
+    // A header that does not match its data is named at the data line, and one with a single
+    // name at its own line.
+    EXPECT_EQ(ReadText("nm;warm, 2700 K\n400;1;2\n").error,
+              "f:2: expected 2 semicolon-separated fields as in the first line, found 3");
+    EXPECT_EQ(ReadText("# x\nnm, a\n\n400;1\n").error,
+              "f:2: expected a wavelength column and at least one spectrum column separated by "
+              "commas, semicolons, tabs or spaces; found one field");
+}
+
 TEST(DelimitedReader, ErrorsNameLineColumnAndWhatWasExpected) {
     EXPECT_EQ(ReadText("nm,a\n400,1\n500, x\n").error,
               "f:3:6: expected a finite number, found 'x'");

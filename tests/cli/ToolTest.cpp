@@ -38,11 +38,44 @@ TEST(ToolOverview, DefaultsRunTheRoundTripAndSayWhatToTryNext) {
               std::string::npos)
         << r.out;
     EXPECT_NE(r.out.find("\nNext: korvane analyze FILE"), std::string::npos);
+    EXPECT_EQ(r.out.rfind("plug-in: ", 0), 0u);
+    EXPECT_NE(r.out.find(" (version id 263237)\nmodels: "), std::string::npos) << r.out;
     const ToolResult csv = Tool("--csv --grid 380 780 5 --observer 10 --rgb 0.2 0.4 0.6");
     ASSERT_EQ(csv.code, 0) << csv.err;
     EXPECT_NE(csv.out.find("rgb1,0.200000,0.400000,0.600000,0.200000,0.400000,0.600000,"),
               std::string::npos)
         << csv.out;
+}
+
+TEST(ToolHelp, NamesTheToolAndTheOptionsEachCommandTakes) {
+    const ToolResult top = Tool("--help");
+    ASSERT_EQ(top.code, 0) << top.err;
+    EXPECT_NE(top.out.find("\nUsage: korvane [OPTIONS] [SUBCOMMAND]\n"), std::string::npos)
+        << top.out;
+    // --observer where it changes the figures; an example for every command.
+    for (const char* cmd : {"analyze", "convert", "plot"}) {
+        const ToolResult r = Tool(std::string(cmd) + " --help");
+        ASSERT_EQ(r.code, 0) << r.err;
+        EXPECT_NE(r.out.find(std::string("Usage: korvane ") + cmd + " [OPTIONS]"),
+                  std::string::npos)
+            << r.out;
+        EXPECT_NE(r.out.find("  --observer INT:{2,10}"), std::string::npos) << r.out;
+        EXPECT_NE(r.out.find("Example: korvane " + std::string(cmd)), std::string::npos) << r.out;
+    }
+    for (const char* cmd : {"save", "show"}) {
+        const ToolResult r = Tool(std::string("holder ") + cmd + " --help");
+        ASSERT_EQ(r.code, 0) << r.err;
+        EXPECT_NE(r.out.find(std::string("Example: korvane holder ") + cmd), std::string::npos)
+            << r.out;
+    }
+    EXPECT_NE(Tool("convert --help")
+                  .out.find("--csv writes the numbers in full, and a spectral result in the "
+                            "form --from spectral FILE reads back"),
+              std::string::npos);
+    // The observer is still taken before the command.
+    const ToolResult ten = Tool("--observer 10 analyze --json " + kRef + "F1.sp");
+    ASSERT_EQ(ten.code, 0) << ten.err;
+    EXPECT_EQ(json::parse(ten.out)["observer"], "CIE 1964 10");
 }
 
 // ---- analyze: golden outputs and published values ---------------------------------------------
@@ -141,6 +174,53 @@ TEST(ToolAnalyze, ObserverTenChangesEveryFigure) {
     EXPECT_NE(a["spectra"][0]["CCT"], b["spectra"][0]["CCT"]);
 }
 
+// A flat 50 % reflector on 380..780 nm at 5 nm under each illuminant: its XYZ is half the
+// white's, so its xy is the illuminant's chromaticity and its CIELAB (76.07, 0, 0).
+TEST(ToolAnalyze, ReflectancesUnderEveryIlluminant) {
+    std::string flat;
+    for (int nm = 380; nm <= 780; nm += 5)
+        flat += std::to_string(nm) + ",0.5\n";
+    const std::string file = TempFile("flat.csv", flat);
+    struct Case {
+        std::string illuminant;
+        double x, y, tolerance;
+    };
+    // CIE 15:2004: D50 (0.34567, 0.35850), A (0.44757, 0.40745) from 5 nm sums; E (1/3, 1/3)
+    // to the rounding of the observer's table.
+    const Case cases[] = {{"D50", 0.34567, 0.35850, 2.5e-5},
+                          {"E", 1.0 / 3.0, 1.0 / 3.0, 1e-4},
+                          {"A", 0.44757, 0.40745, 2.5e-5},
+                          {"'" + DataFile("illuminant_a_5nm.csv") + "'", 0.44757, 0.40745, 2.5e-5}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.illuminant);
+        const ToolResult r =
+            Tool("analyze --json --reflectance --illuminant " + c.illuminant + " '" + file + "'");
+        ASSERT_EQ(r.code, 0) << r.err;
+        const json j = json::parse(r.out);
+        const json& s = j["spectra"][0];
+        EXPECT_NEAR(s["XYZ"][1].get<double>(), 0.5, 1e-12);
+        EXPECT_NEAR(s["xy"][0].get<double>(), c.x, c.tolerance);
+        EXPECT_NEAR(s["xy"][1].get<double>(), c.y, c.tolerance);
+        EXPECT_NEAR(s["Lab"][0].get<double>(), 76.0693, 1e-4);
+        EXPECT_NEAR(s["Lab"][1].get<double>(), 0.0, 1e-9);
+        EXPECT_NEAR(s["Lab"][2].get<double>(), 0.0, 1e-9);
+        EXPECT_EQ(j["kind"], "reflectance");
+    }
+    // The A of the file and the A of the formula light the coloured patches alike.
+    const ToolResult named =
+        Tool("analyze --json --reflectance --illuminant A " + DataFile("patches.txt"));
+    const ToolResult table =
+        Tool("analyze --json --reflectance --illuminant '" + DataFile("illuminant_a_5nm.csv") +
+             "' " + DataFile("patches.txt"));
+    ASSERT_EQ(table.code, 0) << table.err;
+    const json a = json::parse(named.out), b = json::parse(table.out);
+    ASSERT_EQ(a["spectra"].size(), b["spectra"].size());
+    for (std::size_t i = 0; i < a["spectra"].size(); ++i)
+        for (std::size_t k = 0; k < 3; ++k)
+            EXPECT_NEAR(a["spectra"][i]["Lab"][k].get<double>(),
+                        b["spectra"][i]["Lab"][k].get<double>(), 1e-4);
+}
+
 // ---- convert and resample: round trips --------------------------------------------------------
 
 TEST(ToolConvert, RgbThroughASpectrumAndBack) {
@@ -175,6 +255,51 @@ TEST(ToolConvert, XyyToRgbAndSurfaces) {
         EXPECT_NEAR(v.get<double>(), 0.5, 1e-12); // grey is flat
 }
 
+TEST(ToolConvert, ASpectrumFileGivesOneSpectrum) {
+    const std::string lamps = DataFile("lamps.csv");
+    // Two lamps: which one is up to the user, by name or by number.
+    ToolResult r = Tool("convert --from spectral '" + lamps + "' --to xyz");
+    EXPECT_EQ(r.code, 2);
+    EXPECT_EQ(r.err, "korvane: error: " + lamps +
+                         " holds 2 spectra: incandescent, white LED; choose one with --spectrum "
+                         "NAME or --spectrum NUMBER (1..2)\n");
+    EXPECT_EQ(r.out, "");
+    const ToolResult byName =
+        Tool("convert --from spectral '" + lamps + "' --spectrum 'white LED' --to xyz --json");
+    const ToolResult byNumber =
+        Tool("convert --from spectral '" + lamps + "' --spectrum 2 --to xyz --json");
+    const ToolResult first =
+        Tool("convert --from spectral '" + lamps + "' --spectrum 1 --to xyz --json");
+    ASSERT_EQ(byName.code, 0) << byName.err;
+    EXPECT_EQ(byName.out, byNumber.out);
+    EXPECT_NE(byName.out, first.out);
+    r = Tool("convert --from spectral '" + lamps + "' --spectrum 3 --to xyz");
+    EXPECT_EQ(r.code, 2);
+    EXPECT_EQ(r.err, "korvane: error: --spectrum 3: no spectrum of that name or number; " + lamps +
+                         " holds 2 spectra: incandescent, white LED\n");
+    r = Tool("convert --from rgb 1 1 1 --spectrum 1 --to xyz");
+    EXPECT_EQ(r.code, 2);
+    EXPECT_EQ(r.err, "korvane: error: --spectrum picks a spectrum of the file given to --from "
+                     "spectral or stokes-spectral\n");
+
+    // A Stokes spectral model takes a spectrum file as the intensity of unpolarized light (or
+    // of a depolarizing surface): the colour of the unpolarized model's, in intensity only.
+    const std::string f1 = " " + kRef + "F1.sp --json";
+    const ToolResult light = Tool("convert --from stokes-spectral" + f1 + " --to rgb");
+    ASSERT_EQ(light.code, 0) << light.err;
+    EXPECT_EQ(json::parse(light.out)["values"],
+              json::parse(Tool("convert --from spectral" + f1 + " --to rgb").out)["values"]);
+    const ToolResult surface =
+        Tool("convert --from stokes-spectral" + f1 + " --to stokes-rgb --kind surface");
+    ASSERT_EQ(surface.code, 0) << surface.err;
+    const json mueller = json::parse(surface.out)["values"];
+    const json plain = json::parse(
+        Tool("convert --from spectral" + f1 + " --to rgb --kind surface").out)["values"];
+    ASSERT_EQ(mueller.size(), 48u);
+    for (std::size_t i = 0; i < 48; ++i)
+        EXPECT_EQ(mueller[i].get<double>(), i % 16 == 0 ? plain[i / 16].get<double>() : 0.0) << i;
+}
+
 TEST(ToolResample, OntoASubsetGridKeepsTheSamples) {
     const ToolResult r = Tool("resample " + kRef + "F5.sp --grid 380 780 20");
     ASSERT_EQ(r.code, 0) << r.err;
@@ -194,6 +319,72 @@ TEST(ToolResample, OntoASubsetGridKeepsTheSamples) {
 }
 
 // ---- plot and holders -------------------------------------------------------------------------
+
+struct SvgText {
+    double x, y;
+    std::string text;
+};
+
+// The <text x='..' y='..'>...</text> elements of an SVG the tool wrote.
+std::vector<SvgText> Texts(const std::string& svg) {
+    std::vector<SvgText> out;
+    for (std::size_t at = svg.find("<text x='"); at != std::string::npos;
+         at = svg.find("<text x='", at + 1)) {
+        const std::size_t open = svg.find('>', at), close = svg.find("</text>", at);
+        const std::size_t y = svg.find("y='", at);
+        out.push_back({std::stod(svg.substr(at + 9)), std::stod(svg.substr(y + 3)),
+                       svg.substr(open + 1, close - open - 1)});
+    }
+    return out;
+}
+
+TEST(ToolPlot, LabelsOfNearbyPointsStayApart) {
+    // F1, F5 and D65 lie within a few thousandths in xy, on D65's own mark.
+    const std::string svg = TempFile("near.svg", "");
+    const ToolResult r = Tool("plot " + kRef + "F1.sp " + kRef + "F5.sp " + KORVANE_SOURCE_DIR +
+                              "/data/cie_d65_spd.csv -o '" + svg + "'");
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(r.out, "wrote " + svg + " (3 spectra)\n");
+    // The labels of the diagram (right of the spectra panel), each taken as 7 px a character
+    // wide and 9 px high (the cap height of 12 px type): no two overlap.
+    std::vector<SvgText> labels;
+    for (const SvgText& t : Texts(Read(svg)))
+        if (t.x > 600 &&
+            (t.text == "F1.sp:1" || t.text == "F5.sp:1" || t.text == "d65" || t.text == "D65"))
+            labels.push_back(t);
+    ASSERT_EQ(labels.size(), 4u);
+    for (std::size_t i = 0; i < labels.size(); ++i)
+        for (std::size_t j = i + 1; j < labels.size(); ++j) {
+            const SvgText &a = labels[i], &b = labels[j];
+            const double wa = 7.0 * static_cast<double>(a.text.size()),
+                         wb = 7.0 * static_cast<double>(b.text.size());
+            const bool apart =
+                a.x + wa <= b.x || b.x + wb <= a.x || a.y + 9 <= b.y || b.y + 9 <= a.y;
+            EXPECT_TRUE(apart) << a.text << " at " << a.x << "," << a.y << " and " << b.text
+                               << " at " << b.x << "," << b.y;
+        }
+}
+
+TEST(ToolPlot, TheLegendCountsWhatItLeavesOutAndTheMessageCountsInEnglish) {
+    std::string many = "nm";
+    for (int c = 1; c <= 14; ++c)
+        many += ",s" + std::to_string(c);
+    for (int nm = 400; nm <= 700; nm += 100) {
+        many += "\n" + std::to_string(nm);
+        for (int c = 1; c <= 14; ++c)
+            many += "," + std::to_string(c * (nm - 350));
+    }
+    const std::string svg = TempFile("many.svg", "");
+    ToolResult r = Tool("plot '" + TempFile("many.csv", many + "\n") + "' -o '" + svg + "'");
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(r.out, "wrote " + svg + " (14 spectra)\n");
+    const std::string text = Read(svg);
+    EXPECT_NE(text.find(">s12</text>"), std::string::npos);
+    EXPECT_NE(text.find(">+2 more</text>"), std::string::npos);
+    r = Tool("plot " + kRef + "F1.sp -o '" + svg + "'");
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(r.out, "wrote " + svg + " (1 spectrum)\n");
+}
 
 TEST(ToolHolder, SaveAndShowInBothFormats) {
     for (const char* format : {"binary", "text"}) {
@@ -437,6 +628,13 @@ TEST(ToolErrors, EveryPathSaysWhatAndExitsWithItsCode) {
          "format (line 4); found none\n"},
         {"analyze /nonexistent/lamp.csv", "", 1,
          "korvane: error: /nonexistent/lamp.csv: cannot open: No such file or directory\n"},
+        {"plot - -o /nonexistent/plot.svg", "400,1\n500,1\n", 1,
+         "korvane: error: /nonexistent/plot.svg: cannot write: No such file or directory\n"},
+        {"holder show /nonexistent/c.plug", "", 1,
+         "korvane: error: PlugFile: cannot open \"/nonexistent/c.plug\": No such file or "
+         "directory\n"},
+        {"resample - --grid-file /nonexistent/grid.csv", "400,1\n", 1,
+         "korvane: error: /nonexistent/grid.csv: cannot open: No such file or directory\n"},
         {"convert --from rgb 0.2 0.4 0.6 --to stokes-spectral", "", 1,
          "korvane: error: the StkSpectr model refused the light colour of URGB: Not supported "
          "spectral light color conversion\n"},
@@ -468,6 +666,8 @@ TEST(ToolErrors, EveryPathSaysWhatAndExitsWithItsCode) {
          "korvane: error: --grid 1 1e+09 1 makes 1e+09 wavelengths; the tool takes at most 4001\n"},
         {"analyze - --illuminant A", "400,1\n", 2,
          "korvane: error: --illuminant applies to --reflectance only\n"},
+        {"analyze - --illuminant D65", "400,1\n", 2,
+         "korvane: error: --illuminant applies to --reflectance only\n"},
         {"resample -", "400,1\n", 2,
          "korvane: error: resample needs --grid FIRST LAST STEP or --grid-file FILE\n"},
         {"analyze", "", 2, "korvane: files is required\nRun 'korvane --help' for usage.\n"},
@@ -478,6 +678,40 @@ TEST(ToolErrors, EveryPathSaysWhatAndExitsWithItsCode) {
         EXPECT_EQ(r.err, c.message) << c.args;
         EXPECT_EQ(r.out.find("error"), std::string::npos) << c.args; // nothing on stdout
     }
+}
+
+// Errors that need files of their own: a file that is not a plug file, a grid file that is not a
+// spectrum file or is too long, and a later file failing after the earlier ones were written.
+TEST(ToolErrors, FilesThatAreNotWhatTheCommandNeeds) {
+    const std::string lamps = DataFile("lamps.csv");
+    ToolResult r = Tool("holder show '" + lamps + "'");
+    EXPECT_EQ(r.code, 1);
+    EXPECT_EQ(r.err, "korvane: error: PlugFile: cannot read \"" + lamps +
+                         "\": not a plug file (neither a binary nor a text archive)\n");
+    EXPECT_EQ(r.out, "");
+
+    const std::string badGrid = TempFile("grid.csv", "400,1\n400,2\n");
+    r = Tool("resample '" + lamps + "' --grid-file '" + badGrid + "'");
+    EXPECT_EQ(r.code, 1);
+    EXPECT_EQ(r.err, "korvane: error: " + badGrid +
+                         ":2:1: expected a wavelength above the previous one (400), found '400'\n");
+    EXPECT_EQ(r.out, "");
+    std::string longGrid;
+    for (int i = 0; i < 4002; ++i)
+        longGrid += std::to_string(300 + i * 0.1) + ",1\n";
+    const std::string tooLong = TempFile("long.csv", longGrid);
+    r = Tool("resample '" + lamps + "' --grid-file '" + tooLong + "'");
+    EXPECT_EQ(r.code, 1); // a grid from a file is data; --grid on the command line is usage
+    EXPECT_EQ(r.err, "korvane: error: " + tooLong +
+                         " has 4002 wavelengths; the tool's spectral models take at most 4001\n");
+
+    // Results are written as each file is read: the first file's row stays, then the error.
+    const std::string bad = TempFile("bad.csv", "nm,a\n400,1\n500,x\n");
+    r = Tool("analyze " + kRef + "F1.sp '" + bad + "' --precision 3");
+    EXPECT_EQ(r.code, 1);
+    EXPECT_EQ(r.err, "korvane: error: " + bad + ":3:5: expected a finite number, found 'x'\n");
+    EXPECT_NE(r.out.find("\nF1.sp:1 "), std::string::npos) << r.out;
+    EXPECT_EQ(r.out.find("bad.csv"), std::string::npos) << r.out;
 }
 
 TEST(ToolErrors, GridsBeyondTheToolsBoundAreRefusedWithoutLoadingThem) {
