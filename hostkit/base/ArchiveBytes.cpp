@@ -1,5 +1,7 @@
 #include "hostkit/base/ArchiveBytes.h"
 
+#include "hostkit/platform/Platform.h"
+
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -45,7 +47,7 @@ std::uint32_t Crc32(const char* data, std::size_t size) {
 
 bool ReadFile(const char* path, std::string& bytes, std::string& error) {
     bytes.clear();
-    FileCloser file{path ? std::fopen(path, "rb") : nullptr};
+    FileCloser file{path ? Platform::OpenFile(path, "rb") : nullptr};
     if (!file.f) {
         error = Describe("cannot open", path);
         return false;
@@ -72,7 +74,7 @@ bool ReadFile(const char* path, std::string& bytes, std::string& error) {
 }
 
 bool WriteFile(const char* path, const std::string& bytes, std::string& error) {
-    FileCloser file{path ? std::fopen(path, "wb") : nullptr};
+    FileCloser file{path ? Platform::OpenFile(path, "wb") : nullptr};
     if (!file.f) {
         error = Describe("cannot create", path);
         return false;

@@ -15,6 +15,7 @@ namespace Korvane::ArchiveBytes {
 
 KOR_HOST_API std::uint32_t Crc32(const char* data, std::size_t size);
 
+// Paths are UTF-8 on every platform.
 // Reads the whole file into `bytes`; false with `error` saying why (the path included).
 KOR_HOST_API bool ReadFile(const char* path, std::string& bytes, std::string& error);
 // Writes `bytes` as the whole file (replacing it); false with `error` saying why.

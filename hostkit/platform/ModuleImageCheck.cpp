@@ -1,15 +1,26 @@
 #include "hostkit/platform/ModuleImageCheck.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <fstream>
 
 namespace Korvane::Platform {
 namespace {
 
+// Opens a file by its UTF-8 path (a stream opened by a narrow path reads it in the system's code
+// page on Windows); a path that is not valid UTF-8 leaves the stream closed.
+std::ifstream OpenBinary(const char* path) {
+    try {
+        return std::ifstream(std::filesystem::u8path(path), std::ios::binary);
+    } catch (const std::exception&) {
+        return std::ifstream();
+    }
+}
+
 // Random access to the bytes of one file; reads past the end fail.
 class ImageFile {
 public:
-    explicit ImageFile(const char* path) : in_(path, std::ios::binary) {
+    explicit ImageFile(const char* path) : in_(OpenBinary(path)) {
         if (in_) {
             in_.seekg(0, std::ios::end);
             const std::streamoff end = in_.tellg();

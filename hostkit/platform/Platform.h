@@ -1,11 +1,12 @@
 // The small platform interface of the host kit: dynamic libraries, the running executable's
-// location and aligned memory. One implementation per platform family (PlatformPosix.cpp,
-// PlatformWindows.cpp). Paths are UTF-8 on every platform.
+// location, files, the environment and aligned memory. One implementation per platform family
+// (PlatformPosix.cpp, PlatformWindows.cpp). Paths are UTF-8 on every platform.
 #pragma once
 
 #include "hostkit/HostExport.h"
 
 #include <cstddef>
+#include <cstdio>
 #include <string>
 
 namespace Korvane::Platform {
@@ -31,6 +32,12 @@ std::string ModulePathOf(const void* address);
 // The file `name` in the folder of the running executable, joined with the platform's separator;
 // "./name" (".\name" on Windows) when the executable's location cannot be found.
 KOR_HOST_API std::string FileBesideExecutable(const char* name);
+
+// std::fopen for a UTF-8 path (Windows reads a narrow path in the system's code page, so a name
+// that is not ASCII would open another file or none). Null with errno set when it cannot open.
+std::FILE* OpenFile(const char* path, const char* mode);
+// The value of an environment variable in UTF-8; empty when it is not set.
+std::string EnvironmentVariable(const char* name);
 
 void* AlignedAlloc(std::size_t bytes, std::size_t alignment);
 void AlignedRelease(void* p);

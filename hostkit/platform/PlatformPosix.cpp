@@ -4,6 +4,7 @@
 #include <stdlib.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <vector>
 
 namespace Korvane::Platform {
@@ -48,6 +49,16 @@ std::string FileBesideExecutable(const char* name) {
         }
         buffer.resize(buffer.size() * 2); // possibly cut short: read again with more room
     }
+}
+
+// File names and the environment are bytes here, UTF-8 by convention.
+std::FILE* OpenFile(const char* path, const char* mode) {
+    return std::fopen(path, mode);
+}
+
+std::string EnvironmentVariable(const char* name) {
+    const char* value = std::getenv(name);
+    return value ? value : std::string();
 }
 
 void* AlignedAlloc(std::size_t bytes, std::size_t alignment) {

@@ -1,7 +1,11 @@
-// Windows: libraries through LoadLibraryW/GetProcAddress/FreeLibrary, with the UTF-8 paths of the
-// rest of the host kit converted to the system's UTF-16.
+// Windows: libraries through LoadLibraryW/GetProcAddress/FreeLibrary, files through _wfopen and
+// the environment through _wgetenv, with the UTF-8 of the rest of the host kit converted to the
+// system's UTF-16.
 #include "hostkit/platform/Platform.h"
 
+#include <cerrno>
+#include <cstdlib>
+#include <cwchar>
 #include <malloc.h>
 #include <windows.h>
 
@@ -126,6 +130,25 @@ std::string FileBesideExecutable(const char* name) {
     const std::string dir =
         slash == std::wstring::npos ? std::string(".\\") : Narrow(self.data(), slash + 1);
     return dir + name;
+}
+
+std::FILE* OpenFile(const char* path, const char* mode) {
+    std::wstring widePath, wideMode;
+    if (!Widen(path, widePath) || !Widen(mode, wideMode)) {
+        errno = EINVAL; // not valid UTF-8: no file has that name
+        return nullptr;
+    }
+    return _wfopen(widePath.c_str(), wideMode.c_str());
+}
+
+// The CRT's narrow environment holds the system code page's rendering of each value; the wide
+// one holds the value itself.
+std::string EnvironmentVariable(const char* name) {
+    std::wstring wideName;
+    if (!Widen(name, wideName))
+        return std::string();
+    const wchar_t* value = _wgetenv(wideName.c_str());
+    return value ? Narrow(value, std::wcslen(value)) : std::string();
 }
 
 void* AlignedAlloc(std::size_t bytes, std::size_t alignment) {

@@ -2,8 +2,6 @@
 
 #include "hostkit/platform/Platform.h"
 
-#include <cstdlib>
-
 #ifndef KORVANE_PLUGIN_FILE_NAME
 #error "the build defines KORVANE_PLUGIN_FILE_NAME, the plug-in's file name"
 #endif
@@ -25,8 +23,8 @@ std::string HostKitFolder() {
 }
 
 std::string DefaultPluginPath() {
-    const char* chosen = std::getenv(kPluginPathVariable);
-    if (chosen && *chosen)
+    std::string chosen = Platform::EnvironmentVariable(kPluginPathVariable);
+    if (!chosen.empty())
         return chosen;
     const std::string folder = HostKitFolder();
     if (folder.empty())

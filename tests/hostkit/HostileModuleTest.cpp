@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -43,7 +44,7 @@ std::vector<std::string> ModelNames() {
     return names;
 }
 
-[[maybe_unused]] std::string ReadAll(const char* path) { // the ELF truncation test only
+std::string ReadAll(const char* path) {
     std::ifstream in(path, std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
@@ -92,6 +93,38 @@ TEST(HostileModule, SameModuleInASecondLoaderIsRefusedBeforeAnyOfItRuns) {
     // Once the first loader let go, the module loads again.
     PluginLoader again;
     EXPECT_EQ(again.Load(KORVANE_COLOUR_MODULE_PATH), 0) << again.Error();
+}
+
+// The image check reads the module file by its UTF-8 path, as the platform loader opens it: a
+// copy of the plug-in cut short inside its headers, in a file whose name is not ASCII, is refused
+// as damaged (not left to the platform loader because the check could not open it), and a whole
+// copy of that name loads.
+TEST(HostileModule, ACutModuleUnderANonAsciiNameIsFoundDamaged) {
+    namespace fs = std::filesystem;
+    const std::string image = ReadAll(KORVANE_COLOUR_MODULE_PATH);
+    ASSERT_GT(image.size(), 4096u);
+    const std::string base = std::string(KORVANE_TEST_SCRATCH_DIR) + "/m\xC3\xB3"
+                                                                     "dulo-\xE5\x85\x89";
+    const std::string extension = fs::u8path(KORVANE_COLOUR_MODULE_PATH).extension().u8string();
+    // 64 bytes keep the ELF file header or the DOS header whole, and no more.
+    const std::string cut = base + "-cut" + extension;
+    std::ofstream(fs::u8path(cut), std::ios::binary | std::ios::trunc).write(image.data(), 64);
+    PluginLoader loader;
+    EXPECT_EQ(loader.Load(cut.c_str()), kErrorMessageCode);
+    EXPECT_EQ(loader.Failure(), LoadFailure::DamagedImage) << loader.Error();
+    EXPECT_TRUE(Contains(loader.Error(), "\"" + cut + "\"")) << loader.Error();
+    EXPECT_TRUE(Contains(loader.Error(), "cut short")) << loader.Error();
+    fs::remove(fs::u8path(cut));
+
+    // A file of its own name: the platform may keep a closed module mapped.
+    const std::string whole = base + "-whole" + extension;
+    std::error_code ec;
+    fs::remove(fs::u8path(whole), ec);
+    std::ofstream(fs::u8path(whole), std::ios::binary)
+        .write(image.data(), std::streamsize(image.size()));
+    EXPECT_EQ(loader.Load(whole.c_str()), 0) << loader.Error();
+    EXPECT_EQ(TColorModel->Models().size(), 8u);
+    loader.Unload();
 }
 
 #if defined(__linux__) && defined(__LP64__)

@@ -12,6 +12,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <filesystem>
 #include <vector>
 
 using namespace Korvane;
@@ -61,7 +62,8 @@ protected:
     }
     void TearDown() override {
         DeleteType(gProbeType);
-        std::remove(path_.c_str());
+        std::error_code ec;
+        std::filesystem::remove(std::filesystem::u8path(path_), ec);
     }
     void SaveProbe(ArchiveFormat format) {
         Probe probe;
@@ -96,6 +98,26 @@ TEST_F(PlugFileTest, SavesAndLoadsInBothFormats) {
         EXPECT_EQ(p->loadedVersion, 1);
         EXPECT_EQ(loaded.Get()->RefCount(), 1);
     }
+}
+
+// Paths are UTF-8 on every platform: the file made is the one of that name (on Windows a narrow
+// path would be read in the system's code page, and save and load would meet under another name).
+TEST_F(PlugFileTest, SavesAndLoadsUnderANonAsciiName) {
+    namespace fs = std::filesystem;
+    path_ = testing::TempDir() + "plug-m\xC3\xB3"
+                                 "dulo-\xE5\x85\x89.kor"; // "plug-módulo-光.kor"
+    for (const ArchiveFormat format : {ArchiveFormat::Binary, ArchiveFormat::Text}) {
+        std::error_code ec;
+        fs::remove(fs::u8path(path_), ec);
+        SaveProbe(format);
+        EXPECT_TRUE(fs::exists(fs::u8path(path_))) << path_;
+        std::string error;
+        const PlugRef loaded = PlugFile::Load(path_.c_str(), error);
+        ASSERT_TRUE(loaded) << error;
+        EXPECT_EQ(static_cast<const Probe*>(loaded.Get())->samples.size(), 3u);
+    }
+    fs::remove(fs::u8path(path_));
+    ExpectLoadError("cannot open");
 }
 
 TEST_F(PlugFileTest, DamagedOrForeignFilesAreErrors) {
