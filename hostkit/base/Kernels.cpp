@@ -133,26 +133,32 @@ KOR_KERNEL_BODY void ScaleBody(double* v, int stride, const double* w, int n) {
     }
 }
 
+// Samples p[s i'], i' = i .. i+3, and their successors, for a step s of 1 or 2 (the strides the
+// vector loops take; others run the scalar loops): two loads, and for a step of 2 the even and odd
+// lanes of eight samples.
+KOR_KERNEL_BODY void SamplesAt(const double* p, int step, int i, V4& at, V4& next) {
+    if (step == 1) {
+        Load(at, p + i);
+        Load(next, p + i + 1);
+    } else {
+        V4 x{}, y{};
+        Load(x, p + 2 * i);
+        Load(y, p + 2 * i + 4);
+        at = V4{x[0], x[2], y[0], y[2]};
+        next = V4{x[1], x[3], y[1], y[3]};
+    }
+}
+
 KOR_KERNEL_BODY void PickExactBody(const double* v, int first, int step, double* out, int n) {
     const double* p = v + first;
-    int i = 0;
     const V4 zero{};
-    V4 at{}, next{}, x{}, y{};
-    if (step == 1) {
+    V4 at{}, next{};
+    int i = 0;
+    if (step == 1 || step == 2)
         for (; i + 4 <= n; i += 4) {
-            Load(at, p + i);
-            Load(next, p + i + 1);
+            SamplesAt(p, step, i, at, next);
             Store(out + i, at + zero * next);
         }
-    } else if (step == 2) {
-        for (; i + 4 <= n; i += 4) { // samples 2i .. 2i+7: the even ones and their successors
-            Load(x, p + 2 * i);
-            Load(y, p + 2 * i + 4);
-            at = V4{x[0], x[2], y[0], y[2]};
-            next = V4{x[1], x[3], y[1], y[3]};
-            Store(out + i, at + zero * next);
-        }
-    }
     for (; i < n; ++i)
         out[i] = p[i * step] + 0.0 * p[i * step + 1];
 }
@@ -179,23 +185,13 @@ KOR_KERNEL_BODY bool SamplesMatchBody(const double* s, const double* t, int firs
     auto hits = vw0 == vw0; // all ones (w0 is finite: a difference of samples)
     hits = hits | ~hits;
     auto same = hits;
-    V4 at{}, next{}, x{}, y{};
+    V4 at{}, next{};
     int i = 0;
-    if (step == 1) {
+    if (step == 1 || step == 2)
         for (; i + 4 <= n; i += 4) {
-            Load(at, p + i);
-            Load(next, p + i + 1);
+            SamplesAt(p, step, i, at, next);
             MatchFour(at, next, t + i, vw0, vfloor, hits, same);
         }
-    } else if (step == 2) {
-        for (; i + 4 <= n; i += 4) { // samples 2i .. 2i+7: the even ones and their successors
-            Load(x, p + 2 * i);
-            Load(y, p + 2 * i + 4);
-            at = V4{x[0], x[2], y[0], y[2]};
-            next = V4{x[1], x[3], y[1], y[3]};
-            MatchFour(at, next, t + i, vw0, vfloor, hits, same);
-        }
-    }
     bool on = hits[0] && hits[1] && hits[2] && hits[3];
     bool one = same[0] && same[1] && same[2] && same[3];
     for (; i < n && on; ++i) {

@@ -44,6 +44,18 @@ private:
 
 using SourceOrder = Testing::Registered;
 
+// The eight models InitClasses registers.
+std::vector<const ColorModel*> RegisteredModels() {
+    return {BWModel<Unpolarized>::GetModel(),
+            BWModel<StokesPolarization>::GetModel(),
+            RGBModel<Unpolarized>::GetModel(),
+            RGBModel<StokesPolarization>::GetModel(),
+            SpectralModel<Unpolarized>::GetModel(),
+            SpectralModel<StokesPolarization>::GetModel(),
+            XYZModel::GetModel(),
+            XYYModel::GetModel()};
+}
+
 // The questions each of the eight models asks of each kind of source, for light, surface and
 // scalar colours: the list up to the kind's own question, all five for an unknown kind.
 TEST_F(SourceOrder, EveryModelAsksTheFiveKindQuestionsInOrder) {
@@ -61,14 +73,7 @@ TEST_F(SourceOrder, EveryModelAsksTheFiveKindQuestionsInOrder) {
     const Source sources[] = {
         {&bw, &bw.asked, 1},   {&rgb, &rgb.asked, 2},           {&xyz, &xyz.asked, 3},
         {&xyy, &xyy.asked, 4}, {&spectral, &spectral.asked, 5}, {&unknown, &unknown.asked, 5}};
-    const ColorModel* targets[] = {BWModel<Unpolarized>::GetModel(),
-                                   BWModel<StokesPolarization>::GetModel(),
-                                   RGBModel<Unpolarized>::GetModel(),
-                                   RGBModel<StokesPolarization>::GetModel(),
-                                   SpectralModel<Unpolarized>::GetModel(),
-                                   SpectralModel<StokesPolarization>::GetModel(),
-                                   XYZModel::GetModel(),
-                                   XYYModel::GetModel()};
+    const std::vector<const ColorModel*> targets = RegisteredModels();
     for (const ColorModel* target : targets) {
         for (const Source& s : sources) {
             SCOPED_TRACE(target->Name() + " from a source answering " +
@@ -165,15 +170,8 @@ TEST_F(SourceOrder, KnownModelsHaveTheKindTheirAnswersGive) {
     grid[1] = 550.0;
     grid[2] = 700.0;
     TPlugRef<SpectralModel<Unpolarized>> own = new SpectralModel<Unpolarized>(grid);
-    const ColorModel* models[] = {BWModel<Unpolarized>::GetModel(),
-                                  BWModel<StokesPolarization>::GetModel(),
-                                  RGBModel<Unpolarized>::GetModel(),
-                                  RGBModel<StokesPolarization>::GetModel(),
-                                  SpectralModel<Unpolarized>::GetModel(),
-                                  SpectralModel<StokesPolarization>::GetModel(),
-                                  XYZModel::GetModel(),
-                                  XYYModel::GetModel(),
-                                  own.Get()};
+    std::vector<const ColorModel*> models = RegisteredModels();
+    models.push_back(own.Get());
     for (const ColorModel* m : models)
         EXPECT_EQ(KindOf(m), asked(*m)) << m->Name();
     Probe<SpectralModel<Unpolarized>> probe;
