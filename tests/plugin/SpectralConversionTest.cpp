@@ -442,4 +442,20 @@ TEST_F(SpectralConversion, RefusedRGBReconstructionsGiveZeros) {
     ray.Light().Values()[0] = 0.75;
     point->RGBConvertToRayColor({0.2, 0.7, 0.1}, ray);
     EXPECT_EQ(Of(ray.Light()), Values{0.0});
+
+    // Stokes: the converter zeroes one double per wavelength; Q, U, V and the other fifteen
+    // Mueller elements must not keep their old values either.
+    TPlugRef<SSpec> stokesPoint = new GridModel<StokesPolarization>(Grid({550}));
+    RayColor<SSpec> stokesRay;
+    stokesRay.Light().Distr().SetLength(1);
+    for (int c = 0; c < 4; ++c)
+        stokesRay.Light().Values()[c] = 0.75 - 0.125 * c;
+    stokesPoint->RGBConvertToRayColor({0.2, 0.7, 0.1}, stokesRay);
+    EXPECT_EQ(Of(stokesRay.Light()), Values(4, 0.0));
+    SurfColor<SSpec> mueller;
+    mueller.Distr().SetLength(1);
+    for (int c = 0; c < 16; ++c)
+        mueller.Values()[c] = 0.5 + c;
+    stokesPoint->RGBConvertToSurfaceColor({0.2, 0.7, 0.1}, mueller);
+    EXPECT_EQ(Of(mueller), Values(16, 0.0));
 }
