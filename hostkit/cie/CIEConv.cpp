@@ -1,5 +1,6 @@
 #include "hostkit/cie/CIEConv.h"
 
+#include "hostkit/base/FaultInjection.h"
 #include "hostkit/base/User.h"
 #include "hostkit/cie/CIEConvAll.h"
 #include "hostkit/cie/CIEConvImpl.h"
@@ -144,7 +145,10 @@ int CIEConv::Impl::ReconstructInto(const TVect3<double>& rgb, const TArray<doubl
     return Reconstruct(rgb, waves, out.Data(), out.Count(), reflectance);
 }
 
-CIEConv::CIEConv(Observer observer) : impl_(new (std::nothrow) Impl(observer)) {}
+CIEConv::CIEConv(Observer observer)
+    : impl_(FaultInjection::ShouldFail(FaultInjection::ConverterTables) ? nullptr
+                                                                        : new (std::nothrow)
+                                                                              Impl(observer)) {}
 
 CIEConv::~CIEConv() {
     delete impl_;
