@@ -13,9 +13,10 @@
 
 namespace Korvane::Cli {
 
-// Largest grid the tool gives a spectral model. Loading a grid into a model costs time growing
-// with the square of its length (0.12 s of CPU at 4,001 points, 1.6 s at 16,000, a minute at
-// 100,000 here), so the tool refuses longer grids rather than appear to hang.
+// Largest grid the tool gives a spectral model. Loading a grid costs time linear in its length,
+// but every colour on it costs memory and time per point too, so the tool keeps grids to what a
+// measured or tabulated spectrum needs (4,001 points: 380-780 nm at 0.1 nm) and refuses longer
+// ones.
 inline constexpr int kMaxGridPoints = 4001;
 
 // first, first + step, ..., last: all finite, first > 0, step > 0, last >= first, and at most

@@ -302,5 +302,8 @@ int main(int argc, char** argv) {
     } catch (const std::exception& e) {
         std::cerr << "korvane: error: " << e.what() << "\n";
         return kExitData;
+    } catch (...) {
+        std::cerr << "korvane: error: an unexpected failure\n";
+        return kExitData;
     }
 }

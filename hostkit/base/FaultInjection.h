@@ -10,11 +10,12 @@
 namespace Korvane::FaultInjection {
 
 enum Site : unsigned {
-    PlugAlloc = 1u << 0,     // Plug::operator new: plugs, models, type objects, holders
-    ArrayStorage = 1u << 1,  // TArray storage, plain or aligned
-    Distribution = 1u << 2,  // spectral distribution storage
-    MatrixStorage = 1u << 3, // TMatrix storage
-    AnySite = 0xFu,
+    PlugAlloc = 1u << 0,       // Plug::operator new: plugs, models, type objects, holders
+    ArrayStorage = 1u << 1,    // TArray storage, plain or aligned
+    Distribution = 1u << 2,    // spectral distribution storage
+    MatrixStorage = 1u << 3,   // TMatrix storage
+    ConverterTables = 1u << 4, // the CIE converter: its state and each grid's tables
+    AnySite = 0x1Fu,
 };
 
 KOR_HOST_API void Arm(unsigned sites, long failAt, bool failAfter = false);

@@ -1,5 +1,6 @@
 #include "hostkit/cie/CIEConv.h"
 
+#include "hostkit/base/FaultInjection.h"
 #include "hostkit/base/User.h"
 #include "hostkit/cie/CIEConvAll.h"
 #include "hostkit/cie/CIEConvImpl.h"
@@ -157,7 +158,10 @@ int CIEConv::Impl::ReconstructInto(const TVect3<double>& rgb, const TArray<doubl
 }
 
 CIEConv::CIEConv(Observer observer)
-    : impl_(new (std::nothrow) Impl(observer)), xyz2rgb_(impl_ ? &impl_->xyz2rgb : &kNoMatrix) {}
+    : impl_(FaultInjection::ShouldFail(FaultInjection::ConverterTables) ? nullptr
+                                                                        : new (std::nothrow)
+                                                                              Impl(observer)),
+      xyz2rgb_(impl_ ? &impl_->xyz2rgb : &kNoMatrix) {}
 
 CIEConv::~CIEConv() {
     delete impl_;

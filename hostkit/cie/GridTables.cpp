@@ -1,5 +1,6 @@
 #include "hostkit/cie/GridTables.h"
 
+#include "hostkit/base/FaultInjection.h"
 #include "hostkit/cie/Matrix3Ops.h"
 
 #include <cmath>
@@ -117,10 +118,15 @@ GridTables* BuildGridTables(const double* waves, int n, const CmfTable& cmf,
         return nullptr;
     }
     const auto un = static_cast<std::size_t>(n);
-    std::unique_ptr<GridTables> t(new (std::nothrow) GridTables);
-    double* block = t ? new (std::nothrow) double[GridTablesBytes(n) / sizeof(double)]() : nullptr;
+    // Each of the three allocations may fail (and may be made to fail by the fault sweeps).
+    auto refused = [] { return FaultInjection::ShouldFail(FaultInjection::ConverterTables); };
+    std::unique_ptr<GridTables> t(refused() ? nullptr : new (std::nothrow) GridTables);
+    double* block = t && !refused()
+                        ? new (std::nothrow) double[GridTablesBytes(n) / sizeof(double)]()
+                        : nullptr;
     // Scratch: a row of ones, the basis sampled on the grid, and the basis times D65.
-    std::unique_ptr<double[]> scratch(block ? new (std::nothrow) double[un * 8] : nullptr);
+    std::unique_ptr<double[]> scratch(block && !refused() ? new (std::nothrow) double[un * 8]
+                                                          : nullptr);
     if (!scratch) {
         delete[] block;
         status = GridStatus::NoMemory;

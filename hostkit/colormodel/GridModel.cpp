@@ -1,6 +1,7 @@
 #include "hostkit/colormodel/GridModel.h"
 
 #include "hostkit/base/BinarySerializer.h"
+#include "hostkit/base/MemStat.h"
 #include "hostkit/colormodel/ColorModel.h"
 #include "hostkit/colormodel/ColorModelType.h"
 
@@ -63,6 +64,10 @@ PlugRef MakeSpectralModel(const char* typeIdent, const std::vector<double>& wave
     writer.Serialize("EquiDistant", equidistant, false);
     writer.Finish();
 
+    // As for a plug file: a model made while an allocation failed on this thread is not handed
+    // out, even when its own code absorbed the failure (tables left empty, no converter).
+    const long long failures = MemStats::FailuresOnThisThread();
+    const std::string noMemory = "memory ran out while the model was made on the grid";
     PlugRef model = type->NewInstance();
     if (!model) {
         error = "the type \"" + ident + "\" made no model (out of memory)";
@@ -76,6 +81,10 @@ PlugRef MakeSpectralModel(const char* typeIdent, const std::vector<double>& wave
     BinarySerializer reader(writer.Bytes());
     const int read = type->SerializeInstance(model.Get(), reader);
     reader.Finish();
+    if (MemStats::FailuresOnThisThread() != failures) {
+        error = noMemory;
+        return PlugRef();
+    }
     if (reader.Failed() || read != 0) {
         error =
             "the grid was refused: " +
@@ -83,6 +92,10 @@ PlugRef MakeSpectralModel(const char* typeIdent, const std::vector<double>& wave
         return PlugRef();
     }
     model.Get()->OnLoad(static_cast<int>(BinarySerializer::kVersion));
+    if (MemStats::FailuresOnThisThread() != failures) {
+        error = noMemory;
+        return PlugRef();
+    }
     return model;
 }
 

@@ -28,7 +28,8 @@ KOR_HOST_API bool IsEquidistantGrid(const std::vector<double>& waves);
 // A new spectral model of the type `typeIdent` on `waves` (nanometres, positive, strictly
 // increasing), with the equidistant flag IsEquidistantGrid gives. On failure: an empty reference
 // and `error` says why (unknown type, a type that makes no spectral model, an invalid grid as
-// the model refused it, no memory). Reports the model makes go to the report log as usual.
+// the model refused it, no memory). An allocation that failed while the model was made fails the
+// call, whatever the model made of it. Reports the model makes go to the report log as usual.
 // A configuration-time call, like every change of a model's grid.
 KOR_HOST_API PlugRef MakeSpectralModel(const char* typeIdent, const std::vector<double>& waves,
                                        std::string& error);

@@ -654,6 +654,7 @@ TEST(ToolErrors, EveryPathSaysWhatAndExitsWithItsCode) {
          "korvane: error: --grid 380 780 5e-324 makes too many wavelengths; the tool takes at "
          "most 4001\n"},
         {"--rgb nan 0 0", "", 2, "korvane: error: --rgb takes finite numbers\n"},
+        {"--rgb inf 0 0", "", 2, "korvane: error: --rgb takes finite numbers\n"},
         {"--rgb 1 0", "", 2,
          "korvane: --rgb: At least 3 required but received 2\nRun 'korvane --help' for usage.\n"},
         {"--rgb 1 0 0 1", "", 2, "korvane: error: --rgb takes three values per colour\n"},

@@ -13,6 +13,7 @@
 #include <cmath>
 #include <initializer_list>
 #include <iostream>
+#include <limits>
 #include <thread>
 #include <vector>
 
@@ -307,7 +308,7 @@ TEST(CieReconstruction, FailsCleanlyWithoutThreeIndependentColours) {
     const auto refuses = [&](const char* grid) {
         for (bool attr : {false, true}) {
             s.Alloc(w.Count());
-            s.Fill(NAN);
+            s.Fill(std::numeric_limits<double>::quiet_NaN());
             EXPECT_NE(attr ? conv->RGB2SpectrumAttr({0.2, 0.5, 0.1}, w, s)
                            : conv->RGB2Spectrum({0.2, 0.5, 0.1}, w, s),
                       0)

@@ -6,6 +6,7 @@
 #include "hostkit/base/FaultInjection.h"
 #include "hostkit/base/MemStat.h"
 #include "hostkit/base/User.h"
+#include "hostkit/colormodel/GridModel.h"
 #include "plugin/holders/ArrayLgtColorHold.h"
 #include "plugin/holders/ColorHold.h"
 #include "plugin/holders/MatrixLgtColorHold.h"
@@ -213,6 +214,33 @@ TYPED_TEST(FaultSweepGrid, LoadThroughTheType) {
         });
         EXPECT_GT(refused, 0);
     }
+}
+
+// A model made on a grid by the host kit: the host's rule for loads holds here too, so a model
+// is handed out only when it is whole (it weighs and converts as a model built on the grid);
+// anything else is null with a message that names the lack of memory.
+TYPED_TEST(FaultSweepGrid, MakeSpectralModel) {
+    const std::vector<double> waves = {380.0, 391.5, 455.0, 520.0, 705.0};
+    const GridModel<TypeParam> reference(Grid({380.0, 391.5, 455.0, 520.0, 705.0}));
+    const GridFacts<TypeParam> want(reference);
+    const std::string ident = reference.ObjType()->Ident();
+    int refused = 0;
+    Sweep([&](Window& w, const std::string& where) {
+        std::string error;
+        w.Open();
+        PlugRef made = MakeSpectralModel(ident.c_str(), waves, error);
+        w.Close();
+        if (!made) {
+            ++refused;
+            EXPECT_NE(error.find("memory"), std::string::npos) << where << ": " << error;
+            return;
+        }
+        const auto& model = *static_cast<SpectralModel<TypeParam>*>(made.Get());
+        ASSERT_TRUE(model.GetWaveLengths().IsEqual(reference.GetWaveLengths())) << where;
+        ASSERT_NE(model.GetMassColConv(), nullptr) << where;
+        EXPECT_TRUE(GridFacts<TypeParam>(model) == want) << where;
+    });
+    EXPECT_GT(refused, 0);
 }
 
 // The holder-creating slots of the model: a holder handed out is the one made without failure;
