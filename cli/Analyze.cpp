@@ -236,16 +236,20 @@ void RunAnalyze(const AnalyzeOptions& o, std::ostream& out) {
     const std::string illuminant = o.reflectance ? o.illuminant : "";
     const char* kind = o.reflectance ? "reflectance" : "light";
     Table table(o.reflectance, o.precision, out);
+    // The JSON document is written whole once every file has been read, so that a bad file
+    // leaves standard output empty rather than a document that does not parse (some 1.5 kB a
+    // spectrum held meanwhile). The table and CSV rows stream.
+    std::string document;
     if (o.format == OutputFormat::Csv) {
         out << "# observer: " << observer << "\n# kind: " << kind
             << "\n# illuminant: " << (o.reflectance ? illuminant : "none")
             << "\n# grid: per spectrum (first_nm, last_nm, count)\n";
         WriteCsvHeader(out);
     } else if (o.format == OutputFormat::Json) {
-        out << "{\"observer\": " << nlohmann::json(observer).dump() << ", \"kind\": \"" << kind
-            << "\", \"illuminant\": "
-            << (o.reflectance ? nlohmann::json(illuminant) : nlohmann::json(nullptr)).dump()
-            << ", \"spectra\": [";
+        document = "{\"observer\": " + nlohmann::json(observer).dump() + ", \"kind\": \"" + kind +
+                   "\", \"illuminant\": " +
+                   (o.reflectance ? nlohmann::json(illuminant) : nlohmann::json(nullptr)).dump() +
+                   ", \"spectra\": [";
     } else {
         out << "observer: " << observer << "; " << kind
             << (o.reflectance ? " under " + illuminant : std::string()) << "; XYZ "
@@ -262,7 +266,8 @@ void RunAnalyze(const AnalyzeOptions& o, std::ostream& out) {
             if (o.format == OutputFormat::Csv) {
                 WriteCsvRow(r, out);
             } else if (o.format == OutputFormat::Json) {
-                out << (firstRow ? "\n" : ",\n") << ToJson(r).dump();
+                document += firstRow ? "\n" : ",\n";
+                document += ToJson(r).dump();
             } else {
                 table.Row(r);
             }
@@ -271,7 +276,7 @@ void RunAnalyze(const AnalyzeOptions& o, std::ostream& out) {
         });
     }
     if (o.format == OutputFormat::Json)
-        out << "\n]}\n";
+        out << document << "\n]}\n";
 }
 
 } // namespace Korvane::Cli

@@ -1,5 +1,6 @@
 // korvane analyze: the colorimetry of every spectrum in the files, as light or as reflectances
-// under an illuminant, streamed: each spectrum is reported as soon as it is read.
+// under an illuminant. The table and CSV stream (each spectrum is reported as soon as it is
+// read); the JSON document is written whole at the end, or not at all after an error.
 #pragma once
 
 #include "hostkit/cie/CIEConv.h"

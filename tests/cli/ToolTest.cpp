@@ -714,6 +714,27 @@ TEST(ToolErrors, FilesThatAreNotWhatTheCommandNeeds) {
     EXPECT_EQ(r.out.find("bad.csv"), std::string::npos) << r.out;
 }
 
+// A script reading --json gets a whole document or nothing: an error in a later file or a later
+// line leaves no opened document behind.
+TEST(ToolErrors, JsonIsWholeOrNothing) {
+    const ErrorCase cases[] = {
+        {"analyze --json /usr/share/color/argyll/ref/F8.sp /nonexistent/lamp.csv", "", 1,
+         "korvane: error: /nonexistent/lamp.csv: cannot open: No such file or directory\n"},
+        {"analyze - --json", "400,1\n500,x\n", 1,
+         "korvane: error: <stdin>:2:5: expected a finite number, found 'x'\n"},
+        {"analyze --json --reflectance /usr/share/color/argyll/ref/F8.sp -", "400,1\n400,2\n", 1,
+         "korvane: error: <stdin>:2:1: expected a wavelength above the previous one (400), "
+         "found '400'\n"},
+    };
+    for (const ErrorCase& c : cases) {
+        SCOPED_TRACE(c.args);
+        const ToolResult r = Tool(c.args, c.input);
+        EXPECT_EQ(r.code, c.code);
+        EXPECT_EQ(r.err, c.message);
+        EXPECT_TRUE(r.out.empty() || json::accept(r.out)) << r.out;
+    }
+}
+
 TEST(ToolErrors, GridsBeyondTheToolsBoundAreRefusedWithoutLoadingThem) {
     std::string big;
     for (int i = 0; i < 4002; ++i)
