@@ -78,10 +78,7 @@ ColorimetryFailure Colorimeter::Analyze(const double* values, SpectrumColorimetr
     r.uv = UvPrime(r.xyz);
     r.cct = CctOhno2013(Uv1960(r.xyz), observer_);
     r.dominant = DominantWavelengthOf(r.xy, observer_);
-    if (reflectance_)
-        r.linear = LinearSrgb(r.xyz);
-    else if (r.xyz[1] > 0.0)
-        r.linear = LinearSrgb({r.xyz[0] / r.xyz[1], 1.0, r.xyz[2] / r.xyz[1]});
+    r.linear = reflectance_ ? LinearSrgb(r.xyz) : LightSrgb(r.xyz);
     r.srgb = EncodeSrgb(r.linear);
     out = std::move(r);
     return {};

@@ -7,7 +7,8 @@
 //   XYZ: the XYZ model's conversion of the spectral light colour (X = integral S xbar, no 683);
 //   luminance 683 Y and xy: the spectral model's GetChromaticity; radiant: its LgtEnergy (the
 //   area under the spectrum); CRI by CIE 13.3; sRGB: the converter's linear sRGB of XYZ scaled
-//   to Y = 1 (the light's colour at display white luminance; D65 gives (1, 1, 1)), then encoded.
+//   so that its largest channel is 1 (LightSrgb: the light's chromaticity at full strength, D65
+//   white, A orange; only channels below 0 clip), then encoded.
 // Reflectances:
 //   under D65 through the XYZ model's surface conversion (the converter's reflectance integral
 //   under D65, white Y = 1); under another illuminant through ReflectanceXYZ (the reflectance

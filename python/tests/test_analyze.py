@@ -58,6 +58,11 @@ def test_illuminants_a_and_d65_have_their_published_chromaticities_and_ccts(d65)
         assert record["Lab"] is None
     assert white["grid"] == {"first": 300.0, "last": 830.0, "count": 531}
     assert white["hex"] == "#ffffff"
+    # A light's colour at full strength: its largest channel 1, in gamut, not flagged.
+    for record in records:
+        assert max(record["sRGB_linear"]) == 1.0 and max(record["sRGB"]) == 1.0
+        assert not record["sRGB_clipped"]
+    assert a["hex"] == "#ffb264"
     assert korvane.analyze(nm, s) == white  # one spectrum: one dict, the same numbers
 
 

@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <cctype>
 #include <fstream>
 #include <set>
 #include <sstream>
@@ -162,6 +164,37 @@ TEST(ToolAnalyze, KeysAndNullsAsDocumented) {
     EXPECT_NEAR(s["Lab"][1].get<double>(), 0.0, 1e-12);
     EXPECT_EQ(s["hex"], "#bbbcbb");
     EXPECT_EQ(s["name"], "<stdin>:1");
+}
+
+// A light's colour is its chromaticity at full strength: the linear sRGB scaled so that its
+// largest channel is 1, flagged only when a channel falls outside the gamut (below 0).
+TEST(ToolAnalyze, LightsShowTheirChromaticityAtFullStrength) {
+    const ToolResult r = Tool("analyze --json '" + DataFile("illuminant_a_5nm.csv") + "' '" +
+                              KORVANE_SOURCE_DIR + "/data/cie_d65_spd.csv' " + kRef + "F8.sp");
+    ASSERT_EQ(r.code, 0) << r.err;
+    const json j = json::parse(r.out);
+    const std::string hex[] = {"#ffb264", "#ffffff", "#ffebcd"}; // A orange, D65, F8 warm white
+    for (std::size_t i = 0; i < 3; ++i) {
+        const json& s = j["spectra"][i];
+        SCOPED_TRACE(s["name"].get<std::string>());
+        EXPECT_EQ(s["hex"], hex[i]);
+        EXPECT_FALSE(s["sRGB_clipped"].get<bool>());
+        double largest = 0.0, encoded = 0.0;
+        for (std::size_t c = 0; c < 3; ++c) {
+            largest = std::max(largest, s["sRGB_linear"][c].get<double>());
+            encoded = std::max(encoded, s["sRGB"][c].get<double>());
+        }
+        EXPECT_EQ(largest, 1.0);
+        EXPECT_EQ(encoded, 1.0);
+    }
+    // A narrow green band lies outside the gamut: red below 0, clipped and flagged.
+    const ToolResult green = Tool("analyze --json -", "510,0\n520,1\n530,0\n");
+    ASSERT_EQ(green.code, 0) << green.err;
+    const json band = json::parse(green.out);
+    const json& g = band["spectra"][0];
+    EXPECT_LT(g["sRGB_linear"][0].get<double>(), 0.0);
+    EXPECT_EQ(g["sRGB"][0].get<double>(), 0.0);
+    EXPECT_TRUE(g["sRGB_clipped"].get<bool>());
 }
 
 TEST(ToolAnalyze, ObserverTenChangesEveryFigure) {
