@@ -157,7 +157,8 @@ void WriteCsvRow(const Result& r, std::ostream& out) {
     for (double v : r.xyz)
         out << ',' << Shortest(v);
     out << ',' << Shortest(r.xy[0]) << ',' << Shortest(r.xy[1]) << ',' << Shortest(r.uv[0]) << ','
-        << Shortest(r.uv[1]) << ',' << Shortest(r.luminance) << ',' << Shortest(r.radiant);
+        << Shortest(r.uv[1]) << ',' << Opt(r.luminance.has_value(), r.luminance.value_or(0.0))
+        << ',' << Shortest(r.radiant);
     out << ',' << Opt(r.cct.has_value(), r.cct ? r.cct->cct : 0.0) << ','
         << Opt(r.cct.has_value(), r.cct ? r.cct->duv : 0.0);
     out << ',' << Opt(r.dominant.has_value(), r.dominant ? r.dominant->wavelength : 0.0) << ','

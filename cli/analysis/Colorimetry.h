@@ -9,13 +9,14 @@
 //   area under the spectrum); CRI by CIE 13.3; sRGB: the converter's linear sRGB of XYZ scaled
 //   so that its largest channel is 1 (LightSrgb: the light's chromaticity at full strength, D65
 //   white, A orange; only channels below 0 clip), then encoded.
-// Reflectances:
+// Reflectances (no luminance: 683 Y is a quantity of light):
 //   under D65 through the XYZ model's surface conversion (the converter's reflectance integral
 //   under D65, white Y = 1); under another illuminant through ReflectanceXYZ (the reflectance
 //   times the illuminant on the reflectance's grid over the illuminant's Y). Lab is relative to
 //   the perfect white reflector under the same illuminant; sRGB of XYZ as it is (no chromatic
 //   adaptation); radiant is the area under the reflectance; no CRI.
-// Both: u'v', CCT and Duv (CIE 1960 uv, Ohno 2013), dominant wavelength and purity against E.
+// Both: u'v', CCT and Duv (CIE 1960 uv, Ohno 2013), dominant wavelength and purity against E
+// (none for black, X + Y + Z <= 0: its xy of (0, 0) is no chromaticity).
 #pragma once
 
 #include "cli/analysis/Chromaticity.h"
@@ -38,7 +39,8 @@ struct SpectrumColorimetry {
     std::size_t count = 0;
     Vec3 xyz{};
     Vec2 xy{}, uv{};
-    double luminance = 0.0, radiant = 0.0;
+    std::optional<double> luminance; // light only: 683 Y, as the spectral model computes it
+    double radiant = 0.0;
     std::optional<CctDuv> cct;
     std::optional<DominantWavelength> dominant;
     std::optional<ColourRendering> cri; // light only

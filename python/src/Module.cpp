@@ -344,9 +344,10 @@ PYBIND11_MODULE(_korvane, m) {
           "or its values on the wavelengths; ignored for light). observer: 2 (CIE 1931) or 10\n"
           "(CIE 1964), for this call. Each dict has the keys of `korvane analyze --json`\n"
           "spectra: name and file (None here), grid {first, last, count}, XYZ, xy, uv (CIE\n"
-          "1976 u'v'), luminance (683 Y), radiant (area under the spectrum), CCT and Duv\n"
-          "(Ohno 2013; None farther than 0.05 from the Planckian locus), dominant_wavelength\n"
-          "and purity (against E; negative: complementary), CRI {Ra, R: [R1..R14]} (light) or\n"
+          "1976 u'v'), luminance (683 Y; light, else None), radiant (area under the spectrum),\n"
+          "CCT and Duv (Ohno 2013; None farther than 0.05 from the Planckian locus),\n"
+          "dominant_wavelength and purity (against E; negative: complementary; None for\n"
+          "black), CRI {Ra, R: [R1..R14]} (light) or\n"
           "None, Lab (reflectances) or None, sRGB_linear, sRGB (encoded, clipped to 0..1),\n"
           "hex and sRGB_clipped.");
     m.def("save_holder", &SaveHolderFile, py::arg("path"), py::arg("values"), py::arg("model"),

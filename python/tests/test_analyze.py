@@ -88,6 +88,16 @@ def test_the_perfect_white_reflector_is_the_white_of_cielab_under_any_illuminant
     assert under_a["xy"] == pytest.approx(given_a["xy"], abs=PUBLISHED_XY)
 
 
+def test_black_has_no_hue_and_reflectances_no_luminance(d65):
+    nm, _ = d65
+    for kind in ("light", "reflectance"):
+        record = korvane.analyze(nm, np.zeros_like(nm), kind=kind)
+        assert record["dominant_wavelength"] is None and record["purity"] is None
+        assert record["hex"] == "#000000"
+    assert korvane.analyze(nm, np.zeros_like(nm))["luminance"] == 0.0
+    assert korvane.analyze(nm, np.ones_like(nm), kind="reflectance")["luminance"] is None
+
+
 def test_bad_input_is_refused_with_the_reason(d65):
     nm, s = d65
     with pytest.raises(ValueError, match='illuminant must be "D65"'):

@@ -156,7 +156,8 @@ TEST(ToolAnalyze, KeysAndNullsAsDocumented) {
                                               "luminance", "radiant", "CCT", "Duv",
                                               "dominant_wavelength", "purity", "CRI", "Lab",
                                               "sRGB_linear", "sRGB", "hex", "sRGB_clipped"}));
-    EXPECT_TRUE(s["CRI"].is_null()); // reflectances have no colour rendering
+    EXPECT_TRUE(s["CRI"].is_null());       // reflectances have no colour rendering
+    EXPECT_TRUE(s["luminance"].is_null()); // nor a luminance: 683 Y is a light's
     // A flat 50 % reflector under D65: Y 0.5, L* 76.07, neutral against the white reflector
     // (a*, b* 0 to rounding); in sRGB a hair green, as the D65 table is a hair off sRGB's white.
     EXPECT_DOUBLE_EQ(s["XYZ"][1].get<double>(), 0.5);
@@ -195,6 +196,25 @@ TEST(ToolAnalyze, LightsShowTheirChromaticityAtFullStrength) {
     EXPECT_LT(g["sRGB_linear"][0].get<double>(), 0.0);
     EXPECT_EQ(g["sRGB"][0].get<double>(), 0.0);
     EXPECT_TRUE(g["sRGB_clipped"].get<bool>());
+}
+
+// Black has no hue: no dominant wavelength or purity, as light or as a reflectance.
+TEST(ToolAnalyze, BlackHasNoDominantWavelength) {
+    for (const char* kind : {"", " --reflectance"}) {
+        SCOPED_TRACE(kind);
+        const std::string zero = "400,0\n500,0\n600,0\n";
+        const ToolResult r = Tool(std::string("analyze --json -") + kind, zero);
+        ASSERT_EQ(r.code, 0) << r.err;
+        const json j = json::parse(r.out);
+        const json& s = j["spectra"][0];
+        EXPECT_TRUE(s["dominant_wavelength"].is_null());
+        EXPECT_TRUE(s["purity"].is_null());
+        EXPECT_EQ(s["hex"], "#000000");
+        const ToolResult table = Tool(std::string("analyze -") + kind, zero);
+        ASSERT_EQ(table.code, 0) << table.err;
+        const std::string row = table.out.substr(table.out.rfind("<stdin>:1"));
+        EXPECT_NE(row.find("            -            -  #000000\n"), std::string::npos) << row;
+    }
 }
 
 TEST(ToolAnalyze, ObserverTenChangesEveryFigure) {
