@@ -10,12 +10,28 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cerrno>
+#include <fstream>
 #include <optional>
 
 namespace Korvane::Cli {
 namespace {
 
 using Result = Analysis::SpectrumColorimetry;
+
+// --illuminant: a named illuminant in any case, as it is spelled in the report, or a spectrum
+// file. A name that is neither is a usage error; a file that exists but cannot be read, a data
+// error when it is read.
+std::string IlluminantOption(const std::string& given) {
+    const std::string named = Analysis::IlluminantName(given);
+    if (!named.empty())
+        return named;
+    errno = 0;
+    if (given != "-" && !std::ifstream(given, std::ios::binary) && errno == ENOENT)
+        UsageError("--illuminant takes D65, D50, A, E or a spectrum file; '" + given +
+                   "' is neither");
+    return given;
+}
 
 // The spectra's colorimetry, with one spectral model (and the colorimeter on its grid) per
 // distinct grid, kept while spectra of that grid follow one another.
@@ -231,7 +247,10 @@ private:
 
 } // namespace
 
-void RunAnalyze(const AnalyzeOptions& o, std::ostream& out) {
+void RunAnalyze(const AnalyzeOptions& options, std::ostream& out) {
+    AnalyzeOptions o = options;
+    if (o.reflectance)
+        o.illuminant = IlluminantOption(o.illuminant);
     Analyzer analyzer(o);
     const char* observer = Analysis::ObserverName(analyzer.GetObserver());
     const std::string illuminant = o.reflectance ? o.illuminant : "";

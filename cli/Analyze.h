@@ -16,7 +16,7 @@ enum class OutputFormat { Table, Csv, Json };
 struct AnalyzeOptions {
     std::vector<std::string> files; // "-" is standard input
     bool reflectance = false;
-    std::string illuminant = "D65"; // D65, D50, A, E or a spectrum file (reflectances only)
+    std::string illuminant = "D65"; // D65, D50, A, E (in any case) or a spectrum file
     OutputFormat format = OutputFormat::Table;
     int precision = 6; // significant digits in the table
 };

@@ -133,7 +133,8 @@ int Run(int argc, char** argv, ToolSink& sink) {
                        "The spectra are reflectances under --illuminant (adds CIELAB)");
     CLI::Option* illuminant =
         cAnalyze->add_option("--illuminant", analyze.illuminant,
-                             "D65 (default), D50, A, E or a spectrum file (with --reflectance)");
+                             "D65 (default), D50, A, E (in any case) or a spectrum file (with "
+                             "--reflectance)");
     AddFormat(cAnalyze, aCsv, aJson, analyze.precision);
     addObserver(cAnalyze);
 

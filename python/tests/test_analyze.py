@@ -98,6 +98,14 @@ def test_black_has_no_hue_and_reflectances_no_luminance(d65):
     assert korvane.analyze(nm, np.ones_like(nm), kind="reflectance")["luminance"] is None
 
 
+def test_illuminant_names_in_any_case(d65):
+    nm, _ = d65
+    ramp = np.linspace(0.1, 0.9, nm.size)
+    for name in ("d65", "d50", "a", "e"):
+        assert korvane.analyze(nm, ramp, kind="reflectance", illuminant=name) == \
+            korvane.analyze(nm, ramp, kind="reflectance", illuminant=name.upper())
+
+
 def test_bad_input_is_refused_with_the_reason(d65):
     nm, s = d65
     with pytest.raises(ValueError, match='illuminant must be "D65"'):

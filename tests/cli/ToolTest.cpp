@@ -274,6 +274,22 @@ TEST(ToolAnalyze, ReflectancesUnderEveryIlluminant) {
                         b["spectra"][i]["Lab"][k].get<double>(), 1e-4);
 }
 
+TEST(ToolAnalyze, IlluminantNamesInAnyCase) {
+    for (const char* name : {"d65", "d50", "a", "e"}) {
+        SCOPED_TRACE(name);
+        std::string upper = name;
+        for (char& c : upper)
+            c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        const std::string patches = " '" + DataFile("patches.txt") + "'";
+        const ToolResult lower =
+            Tool(std::string("analyze --json --reflectance --illuminant ") + name + patches);
+        ASSERT_EQ(lower.code, 0) << lower.err;
+        EXPECT_EQ(lower.out,
+                  Tool("analyze --json --reflectance --illuminant " + upper + patches).out);
+        EXPECT_EQ(json::parse(lower.out)["illuminant"], upper);
+    }
+}
+
 // ---- convert and resample: round trips --------------------------------------------------------
 
 TEST(ToolConvert, RgbThroughASpectrumAndBack) {
@@ -721,6 +737,9 @@ TEST(ToolErrors, EveryPathSaysWhatAndExitsWithItsCode) {
          "korvane: error: --illuminant applies to --reflectance only\n"},
         {"analyze - --illuminant D65", "400,1\n", 2,
          "korvane: error: --illuminant applies to --reflectance only\n"},
+        {"analyze - --reflectance --illuminant D55", "400,1\n", 2,
+         "korvane: error: --illuminant takes D65, D50, A, E or a spectrum file; 'D55' is "
+         "neither\n"},
         {"resample -", "400,1\n", 2,
          "korvane: error: resample needs --grid FIRST LAST STEP or --grid-file FILE\n"},
         {"analyze", "", 2, "korvane: files is required\nRun 'korvane --help' for usage.\n"},
