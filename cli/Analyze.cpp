@@ -10,7 +10,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <fstream>
 #include <optional>
 
@@ -220,8 +222,10 @@ public:
         Cell(r.luminance);
         Cell(r.radiant);
         if (reflectance_) {
-            for (double v : *r.lab)
-                Cell(v);
+            const Analysis::Vec3& lab = *r.lab;
+            const double largest = std::max({std::abs(lab[0]), std::abs(lab[1]), std::abs(lab[2])});
+            for (double v : lab)
+                Cell(ZeroBelowLastDigit(v, largest, p_));
         } else {
             Cell(r.cct ? std::optional<double>(r.cct->cct) : std::nullopt);
             Cell(r.cct ? std::optional<double>(r.cct->duv) : std::nullopt);

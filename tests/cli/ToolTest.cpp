@@ -290,6 +290,42 @@ TEST(ToolAnalyze, IlluminantNamesInAnyCase) {
     }
 }
 
+// Neutral reflectances have a* = b* = 0; what the arithmetic leaves (1e-13 and the like) is
+// printed in the table as the 0 it is, at the precision of the L*a*b* triple.
+TEST(ToolAnalyze, TheTableRoundsRoundingNoiseToZero) {
+    std::string greys = "nm,white,half,grey,dark";
+    for (int nm = 380; nm <= 780; nm += 5)
+        greys += "\n" + std::to_string(nm) + ",1,0.5,0.18,0.03";
+    const std::string file = TempFile("greys.csv", greys + "\n");
+    for (const char* illuminant : {"D65", "D50", "E"}) {
+        SCOPED_TRACE(illuminant);
+        const ToolResult r = Tool(std::string("analyze --reflectance --illuminant ") + illuminant +
+                                  " '" + file + "'");
+        ASSERT_EQ(r.code, 0) << r.err;
+        std::istringstream lines(r.out);
+        std::string line;
+        std::getline(lines, line);
+        std::getline(lines, line);
+        int rows = 0;
+        while (std::getline(lines, line)) {
+            std::istringstream cells(line);
+            std::vector<std::string> c;
+            for (std::string cell; cells >> cell;)
+                c.push_back(cell);
+            ASSERT_GE(c.size(), 13u) << line;
+            EXPECT_EQ(c[11], "0") << line; // a*
+            EXPECT_EQ(c[12], "0") << line; // b*
+            ++rows;
+        }
+        EXPECT_EQ(rows, 4);
+        // CSV keeps every digit the arithmetic gave.
+        EXPECT_NE(Tool(std::string("analyze --csv --reflectance --illuminant ") + illuminant +
+                       " '" + file + "'")
+                      .out.find("e-1"),
+                  std::string::npos);
+    }
+}
+
 // ---- convert and resample: round trips --------------------------------------------------------
 
 TEST(ToolConvert, RgbThroughASpectrumAndBack) {
