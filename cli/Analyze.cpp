@@ -10,12 +10,30 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <fstream>
 #include <optional>
 
 namespace Korvane::Cli {
 namespace {
 
 using Result = Analysis::SpectrumColorimetry;
+
+// --illuminant: a named illuminant in any case, as it is spelled in the report, or a spectrum
+// file. A name that is neither is a usage error; a file that exists but cannot be read, a data
+// error when it is read.
+std::string IlluminantOption(const std::string& given) {
+    const std::string named = Analysis::IlluminantName(given);
+    if (!named.empty())
+        return named;
+    errno = 0;
+    if (given != "-" && !std::ifstream(given, std::ios::binary) && errno == ENOENT)
+        UsageError("--illuminant takes D65, D50, A, E or a spectrum file; '" + given +
+                   "' is neither");
+    return given;
+}
 
 // The spectra's colorimetry, with one spectral model (and the colorimeter on its grid) per
 // distinct grid, kept while spectra of that grid follow one another.
@@ -157,7 +175,8 @@ void WriteCsvRow(const Result& r, std::ostream& out) {
     for (double v : r.xyz)
         out << ',' << Shortest(v);
     out << ',' << Shortest(r.xy[0]) << ',' << Shortest(r.xy[1]) << ',' << Shortest(r.uv[0]) << ','
-        << Shortest(r.uv[1]) << ',' << Shortest(r.luminance) << ',' << Shortest(r.radiant);
+        << Shortest(r.uv[1]) << ',' << Opt(r.luminance.has_value(), r.luminance.value_or(0.0))
+        << ',' << Shortest(r.radiant);
     out << ',' << Opt(r.cct.has_value(), r.cct ? r.cct->cct : 0.0) << ','
         << Opt(r.cct.has_value(), r.cct ? r.cct->duv : 0.0);
     out << ',' << Opt(r.dominant.has_value(), r.dominant ? r.dominant->wavelength : 0.0) << ','
@@ -203,8 +222,10 @@ public:
         Cell(r.luminance);
         Cell(r.radiant);
         if (reflectance_) {
-            for (double v : *r.lab)
-                Cell(v);
+            const Analysis::Vec3& lab = *r.lab;
+            const double largest = std::max({std::abs(lab[0]), std::abs(lab[1]), std::abs(lab[2])});
+            for (double v : lab)
+                Cell(ZeroBelowLastDigit(v, largest, p_));
         } else {
             Cell(r.cct ? std::optional<double>(r.cct->cct) : std::nullopt);
             Cell(r.cct ? std::optional<double>(r.cct->duv) : std::nullopt);
@@ -230,22 +251,29 @@ private:
 
 } // namespace
 
-void RunAnalyze(const AnalyzeOptions& o, std::ostream& out) {
+void RunAnalyze(const AnalyzeOptions& options, std::ostream& out) {
+    AnalyzeOptions o = options;
+    if (o.reflectance)
+        o.illuminant = IlluminantOption(o.illuminant);
     Analyzer analyzer(o);
     const char* observer = Analysis::ObserverName(analyzer.GetObserver());
     const std::string illuminant = o.reflectance ? o.illuminant : "";
     const char* kind = o.reflectance ? "reflectance" : "light";
     Table table(o.reflectance, o.precision, out);
+    // The JSON document is written whole once every file has been read, so that a bad file
+    // leaves standard output empty rather than a document that does not parse (some 1.5 kB a
+    // spectrum held meanwhile). The table and CSV rows stream.
+    std::string document;
     if (o.format == OutputFormat::Csv) {
         out << "# observer: " << observer << "\n# kind: " << kind
             << "\n# illuminant: " << (o.reflectance ? illuminant : "none")
             << "\n# grid: per spectrum (first_nm, last_nm, count)\n";
         WriteCsvHeader(out);
     } else if (o.format == OutputFormat::Json) {
-        out << "{\"observer\": " << nlohmann::json(observer).dump() << ", \"kind\": \"" << kind
-            << "\", \"illuminant\": "
-            << (o.reflectance ? nlohmann::json(illuminant) : nlohmann::json(nullptr)).dump()
-            << ", \"spectra\": [";
+        document = "{\"observer\": " + nlohmann::json(observer).dump() + ", \"kind\": \"" + kind +
+                   "\", \"illuminant\": " +
+                   (o.reflectance ? nlohmann::json(illuminant) : nlohmann::json(nullptr)).dump() +
+                   ", \"spectra\": [";
     } else {
         out << "observer: " << observer << "; " << kind
             << (o.reflectance ? " under " + illuminant : std::string()) << "; XYZ "
@@ -262,7 +290,8 @@ void RunAnalyze(const AnalyzeOptions& o, std::ostream& out) {
             if (o.format == OutputFormat::Csv) {
                 WriteCsvRow(r, out);
             } else if (o.format == OutputFormat::Json) {
-                out << (firstRow ? "\n" : ",\n") << ToJson(r).dump();
+                document += firstRow ? "\n" : ",\n";
+                document += ToJson(r).dump();
             } else {
                 table.Row(r);
             }
@@ -271,7 +300,7 @@ void RunAnalyze(const AnalyzeOptions& o, std::ostream& out) {
         });
     }
     if (o.format == OutputFormat::Json)
-        out << "\n]}\n";
+        out << document << "\n]}\n";
 }
 
 } // namespace Korvane::Cli

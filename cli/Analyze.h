@@ -1,5 +1,6 @@
 // korvane analyze: the colorimetry of every spectrum in the files, as light or as reflectances
-// under an illuminant, streamed: each spectrum is reported as soon as it is read.
+// under an illuminant. The table and CSV stream (each spectrum is reported as soon as it is
+// read); the JSON document is written whole at the end, or not at all after an error.
 #pragma once
 
 #include "hostkit/cie/CIEConv.h"
@@ -15,7 +16,7 @@ enum class OutputFormat { Table, Csv, Json };
 struct AnalyzeOptions {
     std::vector<std::string> files; // "-" is standard input
     bool reflectance = false;
-    std::string illuminant = "D65"; // D65, D50, A, E or a spectrum file (reflectances only)
+    std::string illuminant = "D65"; // D65, D50, A, E (in any case) or a spectrum file
     OutputFormat format = OutputFormat::Table;
     int precision = 6; // significant digits in the table
 };

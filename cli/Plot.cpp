@@ -147,13 +147,7 @@ void RunPlot(const PlotOptions& o, std::ostream& out) {
             r.nm = s.nm;
             r.values = s.values;
             r.point = toDiagram(Analysis::Xy(xyz));
-            const Vec3 lin = xyz[1] > 0.0
-                                 ? Analysis::LinearSrgb({xyz[0] / xyz[1], 1.0, xyz[2] / xyz[1]})
-                                 : Vec3{0.0, 0.0, 0.0};
-            // Scaled to the largest channel so that the colour of a light shows at full strength.
-            const double m = std::max({lin[0], lin[1], lin[2]});
-            r.colour =
-                Analysis::EncodeSrgb(m > 0.0 ? Vec3{lin[0] / m, lin[1] / m, lin[2] / m} : lin).hex;
+            r.colour = Analysis::EncodeSrgb(Analysis::LightSrgb(xyz)).hex; // as analyze shows it
             series.push_back(std::move(r));
             return true;
         });

@@ -123,7 +123,9 @@ int Run(int argc, char** argv, ToolSink& sink) {
     CLI::App* cAnalyze = app.add_subcommand(
         "analyze", "Colorimetry of every spectrum in the files: XYZ, xy, u'v', luminance, radiant "
                    "quantity, CCT and Duv, dominant wavelength and purity, CIE Ra and R1..R14, "
-                   "sRGB.\nExample: korvane analyze lamp.csv --json");
+                   "sRGB (of a light at full strength: its largest linear channel 1; of "
+                   "reflectances with the white reflector at Y = 1).\nExample: korvane analyze "
+                   "lamp.csv --json");
     cAnalyze
         ->add_option("files", analyze.files, "Spectrum files (CSV, CGATS); - for standard input")
         ->required();
@@ -131,7 +133,8 @@ int Run(int argc, char** argv, ToolSink& sink) {
                        "The spectra are reflectances under --illuminant (adds CIELAB)");
     CLI::Option* illuminant =
         cAnalyze->add_option("--illuminant", analyze.illuminant,
-                             "D65 (default), D50, A, E or a spectrum file (with --reflectance)");
+                             "D65 (default), D50, A, E (in any case) or a spectrum file (with "
+                             "--reflectance)");
     AddFormat(cAnalyze, aCsv, aJson, analyze.precision);
     addObserver(cAnalyze);
 

@@ -55,7 +55,9 @@ ColorimetryFailure Colorimeter::Analyze(const double* values, SpectrumColorimetr
             return {ColorimetryStep::Spectrum, status};
         r.xyz = Triple(xyz_);
         TVect2<double> xy(0.0, 0.0);
-        spectral_.GetChromaticity(colour_.Light(), r.luminance, xy);
+        double luminance = 0.0;
+        spectral_.GetChromaticity(colour_.Light(), luminance, xy);
+        r.luminance = luminance;
         r.xy = {xy.x, xy.y};
         r.radiant = spectral_.LgtEnergy(colour_.Light());
         r.cri = ColourRenderingIndex(view);
@@ -70,18 +72,15 @@ ColorimetryFailure Colorimeter::Analyze(const double* values, SpectrumColorimetr
             return {ColorimetryStep::Illuminant, -1};
         }
         r.xy = Xy(r.xyz);
-        r.luminance = 683.0 * r.xyz[1];
         light_.Set(values);
         r.radiant = spectral_.LgtEnergy(light_.Light());
         r.lab = Lab(r.xyz, white);
     }
     r.uv = UvPrime(r.xyz);
     r.cct = CctOhno2013(Uv1960(r.xyz), observer_);
-    r.dominant = DominantWavelengthOf(r.xy, observer_);
-    if (reflectance_)
-        r.linear = LinearSrgb(r.xyz);
-    else if (r.xyz[1] > 0.0)
-        r.linear = LinearSrgb({r.xyz[0] / r.xyz[1], 1.0, r.xyz[2] / r.xyz[1]});
+    if (r.xyz[0] + r.xyz[1] + r.xyz[2] > 0.0)
+        r.dominant = DominantWavelengthOf(r.xy, observer_);
+    r.linear = reflectance_ ? LinearSrgb(r.xyz) : LightSrgb(r.xyz);
     r.srgb = EncodeSrgb(r.linear);
     out = std::move(r);
     return {};

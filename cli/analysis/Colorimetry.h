@@ -7,14 +7,16 @@
 //   XYZ: the XYZ model's conversion of the spectral light colour (X = integral S xbar, no 683);
 //   luminance 683 Y and xy: the spectral model's GetChromaticity; radiant: its LgtEnergy (the
 //   area under the spectrum); CRI by CIE 13.3; sRGB: the converter's linear sRGB of XYZ scaled
-//   to Y = 1 (the light's colour at display white luminance; D65 gives (1, 1, 1)), then encoded.
-// Reflectances:
+//   so that its largest channel is 1 (LightSrgb: the light's chromaticity at full strength, D65
+//   white, A orange; only channels below 0 clip), then encoded.
+// Reflectances (no luminance: 683 Y is a quantity of light):
 //   under D65 through the XYZ model's surface conversion (the converter's reflectance integral
 //   under D65, white Y = 1); under another illuminant through ReflectanceXYZ (the reflectance
 //   times the illuminant on the reflectance's grid over the illuminant's Y). Lab is relative to
 //   the perfect white reflector under the same illuminant; sRGB of XYZ as it is (no chromatic
 //   adaptation); radiant is the area under the reflectance; no CRI.
-// Both: u'v', CCT and Duv (CIE 1960 uv, Ohno 2013), dominant wavelength and purity against E.
+// Both: u'v', CCT and Duv (CIE 1960 uv, Ohno 2013), dominant wavelength and purity against E
+// (none for black, X + Y + Z <= 0: its xy of (0, 0) is no chromaticity).
 #pragma once
 
 #include "cli/analysis/Chromaticity.h"
@@ -37,7 +39,8 @@ struct SpectrumColorimetry {
     std::size_t count = 0;
     Vec3 xyz{};
     Vec2 xy{}, uv{};
-    double luminance = 0.0, radiant = 0.0;
+    std::optional<double> luminance; // light only: 683 Y, as the spectral model computes it
+    double radiant = 0.0;
     std::optional<CctDuv> cct;
     std::optional<DominantWavelength> dominant;
     std::optional<ColourRendering> cri; // light only

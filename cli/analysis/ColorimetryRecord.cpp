@@ -30,7 +30,7 @@ void WriteRecord(const SpectrumColorimetry& r, RecordWriter& w) {
     w.Numbers("XYZ", r.xyz.data(), r.xyz.size());
     w.Numbers("xy", r.xy.data(), r.xy.size());
     w.Numbers("uv", r.uv.data(), r.uv.size());
-    w.Number("luminance", r.luminance);
+    Optional(w, "luminance", r.luminance.has_value(), r.luminance.value_or(0.0));
     w.Number("radiant", r.radiant);
     Optional(w, "CCT", r.cct.has_value(), r.cct ? r.cct->cct : 0.0);
     Optional(w, "Duv", r.cct.has_value(), r.cct ? r.cct->duv : 0.0);

@@ -74,8 +74,19 @@ std::vector<double> IlluminantD50(const std::vector<double>& nm) {
     return Daylight(5000.0 * 1.4388 / 1.4380, nm, true);
 }
 
-bool NamedIlluminant(const std::string& name, const std::vector<double>& nm,
+std::string IlluminantName(const std::string& name) {
+    std::string upper = name;
+    for (char& c : upper)
+        c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    for (const char* named : {"D65", "D50", "A", "E"})
+        if (upper == named)
+            return upper;
+    return {};
+}
+
+bool NamedIlluminant(const std::string& given, const std::vector<double>& nm,
                      std::vector<double>& out) {
+    const std::string name = IlluminantName(given);
     if (name == "D65")
         out = IlluminantD65(nm);
     else if (name == "D50")

@@ -23,8 +23,12 @@ std::vector<double> IlluminantD65(const std::vector<double>& nm);
 // D50: daylight at 5000 K x 1.4388 / 1.4380 with M1, M2 rounded to three decimals.
 std::vector<double> IlluminantD50(const std::vector<double>& nm);
 
-// The named illuminants "D65", "D50", "A", "E" (equal energy, 1 everywhere) on `nm`; false for
-// another name.
+// The named illuminant that `name` stands for, in case ("d50" is D50), spelled as below: "D65",
+// "D50", "A" or "E"; empty for another name.
+std::string IlluminantName(const std::string& name);
+
+// The named illuminants "D65", "D50", "A", "E" (equal energy, 1 everywhere) on `nm`, in any case;
+// false for another name.
 bool NamedIlluminant(const std::string& name, const std::vector<double>& nm,
                      std::vector<double>& out);
 

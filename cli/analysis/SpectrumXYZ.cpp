@@ -2,6 +2,7 @@
 
 #include "hostkit/cie/CIEConv.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace Korvane::Analysis {
@@ -79,6 +80,15 @@ Vec3 LinearSrgb(const Vec3& xyz) {
     Vec3 rgb{};
     for (int r = 0; r < 3; ++r)
         rgb[static_cast<std::size_t>(r)] = m[r][0] * xyz[0] + m[r][1] * xyz[1] + m[r][2] * xyz[2];
+    return rgb;
+}
+
+Vec3 LightSrgb(const Vec3& xyz) {
+    Vec3 rgb = LinearSrgb(xyz);
+    const double largest = std::max({rgb[0], rgb[1], rgb[2]});
+    if (largest > 0.0)
+        for (double& v : rgb)
+            v /= largest;
     return rgb;
 }
 

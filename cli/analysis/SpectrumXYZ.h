@@ -28,4 +28,10 @@ const std::vector<double>& SpikeWeights(const std::vector<double>& nm);
 // The current converter's linear RGB (sRGB primaries, D65 white) of an XYZ: M xyz.
 Vec3 LinearSrgb(const Vec3& xyz);
 
+// The display colour of a light, whose XYZ has no natural scale: LinearSrgb(xyz) scaled so that
+// its largest channel is exactly 1, which shows the light's chromaticity at full strength (D65
+// as white, illuminant A as orange); channels below 0 stay there, for EncodeSrgb to clip and
+// flag. Unscaled when no channel is above 0 (black).
+Vec3 LightSrgb(const Vec3& xyz);
+
 } // namespace Korvane::Analysis

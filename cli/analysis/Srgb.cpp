@@ -8,7 +8,9 @@ namespace Korvane::Analysis {
 double SrgbEncode(double v) {
     if (v < 0.0)
         return -SrgbEncode(-v);
-    return v <= 0.0031308 ? 12.92 * v : 1.055 * std::pow(v, 1.0 / 2.4) - 0.055;
+    // 1.055 v^(1/2.4) - 0.055 written so that v = 1 gives exactly 1 (the direct form gives
+    // 1 - 1.1e-16, which is not display white).
+    return v <= 0.0031308 ? 12.92 * v : 1.0 + 1.055 * (std::pow(v, 1.0 / 2.4) - 1.0);
 }
 
 double SrgbDecode(double v) {
@@ -22,10 +24,9 @@ EncodedSrgb EncodeSrgb(const Vec3& linear) {
     int bytes[3] = {0, 0, 0};
     for (std::size_t c = 0; c < 3; ++c) {
         double v = linear[c];
-        if (!(v >= 0.0 && v <= 1.0)) {
+        if (!(v >= -kSrgbClipTolerance && v <= 1.0 + kSrgbClipTolerance))
             out.clipped = true;
-            v = v > 1.0 ? 1.0 : 0.0; // NaN goes to 0
-        }
+        v = v > 1.0 ? 1.0 : v >= 0.0 ? v : 0.0; // NaN goes to 0
         out.value[c] = SrgbEncode(v);
         bytes[c] = static_cast<int>(std::lround(out.value[c] * 255.0));
     }

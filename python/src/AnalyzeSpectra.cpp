@@ -13,7 +13,8 @@ std::vector<Analysis::SpectrumColorimetry> AnalyzeSpectra(Session& session,
     // Reflectances under D65 go through the XYZ model (no illuminant values); others through
     // the illuminant on the grid.
     std::vector<double> illuminant = request.illuminantValues;
-    if (request.reflectance && request.illuminant != "D65" && illuminant.empty() &&
+    const std::string named = Analysis::IlluminantName(request.illuminant); // "d50" is D50
+    if (request.reflectance && named != "D65" && illuminant.empty() &&
         !Analysis::NamedIlluminant(request.illuminant, nm, illuminant))
         throw std::invalid_argument("illuminant must be \"D65\", \"D50\", \"A\", \"E\" or its "
                                     "values on the wavelengths, not \"" +

@@ -16,7 +16,8 @@ namespace Korvane::Py {
 
 struct AnalyzeRequest {
     bool reflectance = false;
-    // For reflectances: "D65", "D50", "A", "E", or the illuminant's values on the spectra's grid.
+    // For reflectances: "D65", "D50", "A", "E" (in any case), or the illuminant's values on the
+    // spectra's grid.
     std::string illuminant = "D65";
     std::vector<double> illuminantValues;
 };

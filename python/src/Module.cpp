@@ -341,14 +341,14 @@ PYBIND11_MODULE(_korvane, m) {
           "wavelengths: the grid in nm (finite, positive, increasing); values: one spectrum on\n"
           "it (1-D: returns one dict) or one per row (2-D: returns a list of dicts). kind:\n"
           "\"light\" or \"reflectance\" (under `illuminant`: \"D65\", \"D50\", \"A\", \"E\"\n"
-          "or its values on the wavelengths; ignored for light). observer: 2 (CIE 1931) or 10\n"
-          "(CIE 1964), for this call. Each dict has the keys of `korvane analyze --json`\n"
-          "spectra: name and file (None here), grid {first, last, count}, XYZ, xy, uv (CIE\n"
-          "1976 u'v'), luminance (683 Y), radiant (area under the spectrum), CCT and Duv\n"
-          "(Ohno 2013; None farther than 0.05 from the Planckian locus), dominant_wavelength\n"
-          "and purity (against E; negative: complementary), CRI {Ra, R: [R1..R14]} (light) or\n"
-          "None, Lab (reflectances) or None, sRGB_linear, sRGB (encoded, clipped to 0..1),\n"
-          "hex and sRGB_clipped.");
+          "in any case, or its values on the wavelengths; ignored for light). observer: 2\n"
+          "(CIE 1931) or 10 (CIE 1964), for this call. Each dict has the keys of `korvane\n"
+          "analyze --json` spectra: name and file (None here), grid {first, last, count}, XYZ,\n"
+          "xy, uv (CIE 1976 u'v'), luminance (683 Y; light, else None), radiant (area under the\n"
+          "spectrum), CCT and Duv (Ohno 2013; None farther than 0.05 from the Planckian locus),\n"
+          "dominant_wavelength and purity (against E; negative: complementary; None for black),\n"
+          "CRI {Ra, R: [R1..R14]} (light) or None, Lab (reflectances) or None, sRGB_linear,\n"
+          "sRGB (encoded, clipped to 0..1), hex and sRGB_clipped.");
     m.def("save_holder", &SaveHolderFile, py::arg("path"), py::arg("values"), py::arg("model"),
           py::arg("kind") = "light", py::arg("grid") = py::none(), py::arg("format") = "binary",
           "Writes one colour of `model` in a holder of the model to a plug file, in the binary\n"

@@ -58,6 +58,11 @@ def test_illuminants_a_and_d65_have_their_published_chromaticities_and_ccts(d65)
         assert record["Lab"] is None
     assert white["grid"] == {"first": 300.0, "last": 830.0, "count": 531}
     assert white["hex"] == "#ffffff"
+    # A light's colour at full strength: its largest channel 1, in gamut, not flagged.
+    for record in records:
+        assert max(record["sRGB_linear"]) == 1.0 and max(record["sRGB"]) == 1.0
+        assert not record["sRGB_clipped"]
+    assert a["hex"] == "#ffb264"
     assert korvane.analyze(nm, s) == white  # one spectrum: one dict, the same numbers
 
 
@@ -81,6 +86,24 @@ def test_the_perfect_white_reflector_is_the_white_of_cielab_under_any_illuminant
     under_a = korvane.analyze(nm, np.ones_like(nm), kind="reflectance", illuminant="A")
     given_a = korvane.analyze(nm, np.ones_like(nm), kind="reflectance", illuminant=illuminant_a(nm))
     assert under_a["xy"] == pytest.approx(given_a["xy"], abs=PUBLISHED_XY)
+
+
+def test_black_has_no_hue_and_reflectances_no_luminance(d65):
+    nm, _ = d65
+    for kind in ("light", "reflectance"):
+        record = korvane.analyze(nm, np.zeros_like(nm), kind=kind)
+        assert record["dominant_wavelength"] is None and record["purity"] is None
+        assert record["hex"] == "#000000"
+    assert korvane.analyze(nm, np.zeros_like(nm))["luminance"] == 0.0
+    assert korvane.analyze(nm, np.ones_like(nm), kind="reflectance")["luminance"] is None
+
+
+def test_illuminant_names_in_any_case(d65):
+    nm, _ = d65
+    ramp = np.linspace(0.1, 0.9, nm.size)
+    for name in ("d65", "d50", "a", "e"):
+        assert korvane.analyze(nm, ramp, kind="reflectance", illuminant=name) == \
+            korvane.analyze(nm, ramp, kind="reflectance", illuminant=name.upper())
 
 
 def test_bad_input_is_refused_with_the_reason(d65):

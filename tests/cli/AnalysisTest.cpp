@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace Korvane::Analysis {
@@ -95,12 +96,43 @@ TEST(AnalysisSrgb, TransferCurveAndHex) {
     EXPECT_DOUBLE_EQ(SrgbEncode(0.0031308), 12.92 * 0.0031308);
     EXPECT_NEAR(SrgbEncode(0.5), 0.735356983, 1e-9);
     EXPECT_NEAR(SrgbDecode(SrgbEncode(0.2)), 0.2, 1e-15);
+    // Both ends of the curve are exact: display white is 1, not 1 - 1e-16.
+    EXPECT_EQ(SrgbEncode(1.0), 1.0);
+    EXPECT_EQ(SrgbDecode(1.0), 1.0);
+    EXPECT_EQ(SrgbEncode(0.0), 0.0);
     EXPECT_EQ(EncodeSrgb({1.0, 1.0, 1.0}).hex, "#ffffff");
     EXPECT_FALSE(EncodeSrgb({1.0, 0.5, 0.0}).clipped);
     EXPECT_EQ(EncodeSrgb({1.0, 0.5, 0.0}).hex, "#ffbc00");
     const EncodedSrgb over = EncodeSrgb({1.2, -0.1, std::nan("")});
     EXPECT_TRUE(over.clipped);
     EXPECT_EQ(over.hex, "#ff0000");
+    // What the matrix leaves around 0 and 1 is not clipping; a millionth is.
+    const EncodedSrgb rounding = EncodeSrgb({1.0 + 1e-12, 0.5, -1e-12});
+    EXPECT_FALSE(rounding.clipped);
+    EXPECT_EQ(rounding.value[0], 1.0);
+    EXPECT_EQ(rounding.value[2], 0.0);
+    EXPECT_TRUE(EncodeSrgb({1.0 + 1e-6, 0.5, 0.0}).clipped);
+    EXPECT_TRUE(EncodeSrgb({1.0, 0.5, -1e-6}).clipped);
+}
+
+TEST(AnalysisSrgb, ALightShowsItsChromaticityAtFullStrength) {
+    const std::vector<double> nm = EvenGrid(300.0, 830.0, 1.0);
+    Vec3 a{}, d65{};
+    ASSERT_EQ(LightXYZ({nm.data(), IlluminantA(nm).data(), static_cast<int>(nm.size())}, a), 0);
+    ASSERT_EQ(LightXYZ({nm.data(), IlluminantD65(nm).data(), static_cast<int>(nm.size())}, d65), 0);
+    // Whatever the light's scale: A is orange, red at exactly 1; D65 is white (its 1 nm table a
+    // hair off sRGB's white point: within 5e-4).
+    const Vec3 orange = LightSrgb({a[0] * 1e-3, a[1] * 1e-3, a[2] * 1e-3});
+    EXPECT_EQ(orange[0], 1.0);
+    EXPECT_NEAR(orange[1], 0.45, 0.01);
+    EXPECT_NEAR(orange[2], 0.13, 0.01);
+    EXPECT_EQ(EncodeSrgb(orange).hex, EncodeSrgb(LightSrgb(a)).hex);
+    EXPECT_FALSE(EncodeSrgb(orange).clipped);
+    const Vec3 white = LightSrgb(d65);
+    EXPECT_EQ(std::max({white[0], white[1], white[2]}), 1.0);
+    EXPECT_GT(std::min({white[0], white[1], white[2]}), 1.0 - 5e-4);
+    EXPECT_EQ(EncodeSrgb(white).hex, "#ffffff");
+    EXPECT_EQ(LightSrgb({0.0, 0.0, 0.0}), (Vec3{0.0, 0.0, 0.0}));
 }
 
 TEST(AnalysisLab, WhiteAndMidGrey) {

@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <cctype>
 #include <fstream>
 #include <set>
 #include <sstream>
@@ -154,7 +156,8 @@ TEST(ToolAnalyze, KeysAndNullsAsDocumented) {
                                               "luminance", "radiant", "CCT", "Duv",
                                               "dominant_wavelength", "purity", "CRI", "Lab",
                                               "sRGB_linear", "sRGB", "hex", "sRGB_clipped"}));
-    EXPECT_TRUE(s["CRI"].is_null()); // reflectances have no colour rendering
+    EXPECT_TRUE(s["CRI"].is_null());       // reflectances have no colour rendering
+    EXPECT_TRUE(s["luminance"].is_null()); // nor a luminance: 683 Y is a light's
     // A flat 50 % reflector under D65: Y 0.5, L* 76.07, neutral against the white reflector
     // (a*, b* 0 to rounding); in sRGB a hair green, as the D65 table is a hair off sRGB's white.
     EXPECT_DOUBLE_EQ(s["XYZ"][1].get<double>(), 0.5);
@@ -162,6 +165,56 @@ TEST(ToolAnalyze, KeysAndNullsAsDocumented) {
     EXPECT_NEAR(s["Lab"][1].get<double>(), 0.0, 1e-12);
     EXPECT_EQ(s["hex"], "#bbbcbb");
     EXPECT_EQ(s["name"], "<stdin>:1");
+}
+
+// A light's colour is its chromaticity at full strength: the linear sRGB scaled so that its
+// largest channel is 1, flagged only when a channel falls outside the gamut (below 0).
+TEST(ToolAnalyze, LightsShowTheirChromaticityAtFullStrength) {
+    const ToolResult r = Tool("analyze --json '" + DataFile("illuminant_a_5nm.csv") + "' '" +
+                              KORVANE_SOURCE_DIR + "/data/cie_d65_spd.csv' " + kRef + "F8.sp");
+    ASSERT_EQ(r.code, 0) << r.err;
+    const json j = json::parse(r.out);
+    const std::string hex[] = {"#ffb264", "#ffffff", "#ffebcd"}; // A orange, D65, F8 warm white
+    for (std::size_t i = 0; i < 3; ++i) {
+        const json& s = j["spectra"][i];
+        SCOPED_TRACE(s["name"].get<std::string>());
+        EXPECT_EQ(s["hex"], hex[i]);
+        EXPECT_FALSE(s["sRGB_clipped"].get<bool>());
+        double largest = 0.0, encoded = 0.0;
+        for (std::size_t c = 0; c < 3; ++c) {
+            largest = std::max(largest, s["sRGB_linear"][c].get<double>());
+            encoded = std::max(encoded, s["sRGB"][c].get<double>());
+        }
+        EXPECT_EQ(largest, 1.0);
+        EXPECT_EQ(encoded, 1.0);
+    }
+    // A narrow green band lies outside the gamut: red below 0, clipped and flagged.
+    const ToolResult green = Tool("analyze --json -", "510,0\n520,1\n530,0\n");
+    ASSERT_EQ(green.code, 0) << green.err;
+    const json band = json::parse(green.out);
+    const json& g = band["spectra"][0];
+    EXPECT_LT(g["sRGB_linear"][0].get<double>(), 0.0);
+    EXPECT_EQ(g["sRGB"][0].get<double>(), 0.0);
+    EXPECT_TRUE(g["sRGB_clipped"].get<bool>());
+}
+
+// Black has no hue: no dominant wavelength or purity, as light or as a reflectance.
+TEST(ToolAnalyze, BlackHasNoDominantWavelength) {
+    for (const char* kind : {"", " --reflectance"}) {
+        SCOPED_TRACE(kind);
+        const std::string zero = "400,0\n500,0\n600,0\n";
+        const ToolResult r = Tool(std::string("analyze --json -") + kind, zero);
+        ASSERT_EQ(r.code, 0) << r.err;
+        const json j = json::parse(r.out);
+        const json& s = j["spectra"][0];
+        EXPECT_TRUE(s["dominant_wavelength"].is_null());
+        EXPECT_TRUE(s["purity"].is_null());
+        EXPECT_EQ(s["hex"], "#000000");
+        const ToolResult table = Tool(std::string("analyze -") + kind, zero);
+        ASSERT_EQ(table.code, 0) << table.err;
+        const std::string row = table.out.substr(table.out.rfind("<stdin>:1"));
+        EXPECT_NE(row.find("            -            -  #000000\n"), std::string::npos) << row;
+    }
 }
 
 TEST(ToolAnalyze, ObserverTenChangesEveryFigure) {
@@ -219,6 +272,58 @@ TEST(ToolAnalyze, ReflectancesUnderEveryIlluminant) {
         for (std::size_t k = 0; k < 3; ++k)
             EXPECT_NEAR(a["spectra"][i]["Lab"][k].get<double>(),
                         b["spectra"][i]["Lab"][k].get<double>(), 1e-4);
+}
+
+TEST(ToolAnalyze, IlluminantNamesInAnyCase) {
+    for (const char* name : {"d65", "d50", "a", "e"}) {
+        SCOPED_TRACE(name);
+        std::string upper = name;
+        for (char& c : upper)
+            c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        const std::string patches = " '" + DataFile("patches.txt") + "'";
+        const ToolResult lower =
+            Tool(std::string("analyze --json --reflectance --illuminant ") + name + patches);
+        ASSERT_EQ(lower.code, 0) << lower.err;
+        EXPECT_EQ(lower.out,
+                  Tool("analyze --json --reflectance --illuminant " + upper + patches).out);
+        EXPECT_EQ(json::parse(lower.out)["illuminant"], upper);
+    }
+}
+
+// Neutral reflectances have a* = b* = 0; what the arithmetic leaves (1e-13 and the like) is
+// printed in the table as the 0 it is, at the precision of the L*a*b* triple.
+TEST(ToolAnalyze, TheTableRoundsRoundingNoiseToZero) {
+    std::string greys = "nm,white,half,grey,dark";
+    for (int nm = 380; nm <= 780; nm += 5)
+        greys += "\n" + std::to_string(nm) + ",1,0.5,0.18,0.03";
+    const std::string file = TempFile("greys.csv", greys + "\n");
+    for (const char* illuminant : {"D65", "D50", "E"}) {
+        SCOPED_TRACE(illuminant);
+        const ToolResult r = Tool(std::string("analyze --reflectance --illuminant ") + illuminant +
+                                  " '" + file + "'");
+        ASSERT_EQ(r.code, 0) << r.err;
+        std::istringstream lines(r.out);
+        std::string line;
+        std::getline(lines, line);
+        std::getline(lines, line);
+        int rows = 0;
+        while (std::getline(lines, line)) {
+            std::istringstream cells(line);
+            std::vector<std::string> c;
+            for (std::string cell; cells >> cell;)
+                c.push_back(cell);
+            ASSERT_GE(c.size(), 13u) << line;
+            EXPECT_EQ(c[11], "0") << line; // a*
+            EXPECT_EQ(c[12], "0") << line; // b*
+            ++rows;
+        }
+        EXPECT_EQ(rows, 4);
+        // CSV keeps every digit the arithmetic gave.
+        EXPECT_NE(Tool(std::string("analyze --csv --reflectance --illuminant ") + illuminant +
+                       " '" + file + "'")
+                      .out.find("e-1"),
+                  std::string::npos);
+    }
 }
 
 // ---- convert and resample: round trips --------------------------------------------------------
@@ -669,6 +774,9 @@ TEST(ToolErrors, EveryPathSaysWhatAndExitsWithItsCode) {
          "korvane: error: --illuminant applies to --reflectance only\n"},
         {"analyze - --illuminant D65", "400,1\n", 2,
          "korvane: error: --illuminant applies to --reflectance only\n"},
+        {"analyze - --reflectance --illuminant D55", "400,1\n", 2,
+         "korvane: error: --illuminant takes D65, D50, A, E or a spectrum file; 'D55' is "
+         "neither\n"},
         {"resample -", "400,1\n", 2,
          "korvane: error: resample needs --grid FIRST LAST STEP or --grid-file FILE\n"},
         {"analyze", "", 2, "korvane: files is required\nRun 'korvane --help' for usage.\n"},
@@ -713,6 +821,27 @@ TEST(ToolErrors, FilesThatAreNotWhatTheCommandNeeds) {
     EXPECT_EQ(r.err, "korvane: error: " + bad + ":3:5: expected a finite number, found 'x'\n");
     EXPECT_NE(r.out.find("\nF1.sp:1 "), std::string::npos) << r.out;
     EXPECT_EQ(r.out.find("bad.csv"), std::string::npos) << r.out;
+}
+
+// A script reading --json gets a whole document or nothing: an error in a later file or a later
+// line leaves no opened document behind.
+TEST(ToolErrors, JsonIsWholeOrNothing) {
+    const ErrorCase cases[] = {
+        {"analyze --json /usr/share/color/argyll/ref/F8.sp /nonexistent/lamp.csv", "", 1,
+         "korvane: error: /nonexistent/lamp.csv: cannot open: No such file or directory\n"},
+        {"analyze - --json", "400,1\n500,x\n", 1,
+         "korvane: error: <stdin>:2:5: expected a finite number, found 'x'\n"},
+        {"analyze --json --reflectance /usr/share/color/argyll/ref/F8.sp -", "400,1\n400,2\n", 1,
+         "korvane: error: <stdin>:2:1: expected a wavelength above the previous one (400), "
+         "found '400'\n"},
+    };
+    for (const ErrorCase& c : cases) {
+        SCOPED_TRACE(c.args);
+        const ToolResult r = Tool(c.args, c.input);
+        EXPECT_EQ(r.code, c.code);
+        EXPECT_EQ(r.err, c.message);
+        EXPECT_TRUE(r.out.empty() || json::accept(r.out)) << r.out;
+    }
 }
 
 TEST(ToolErrors, GridsBeyondTheToolsBoundAreRefusedWithoutLoadingThem) {
