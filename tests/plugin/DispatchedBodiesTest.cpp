@@ -24,14 +24,6 @@ namespace {
 
 using DispatchedBodies = Testing::Registered;
 
-MArray<double> Regular(int n, double first, double step) {
-    MArray<double> g(10);
-    g.Alloc(n);
-    for (int k = 0; k < n; ++k)
-        g[k] = first + step * k;
-    return g;
-}
-
 template <class C>
 void Append(std::vector<double>& out, const C& c, int doubles) {
     out.insert(out.end(), c.Values(), c.Values() + doubles);
@@ -43,8 +35,8 @@ std::vector<double> RunPaths(int colours) {
     USpec* by10 = USpec::GetModel_380_780();
     URGB* rgb = URGB::GetModel();
     XYZModel* xyz = XYZModel::GetModel();
-    TPlugRef<USpec> by5 = new USpec(Regular(81, 380.0, 5.0));
-    TPlugRef<USpec> uneven = new USpec(Regular(30, 383.3, 13.1));
+    TPlugRef<USpec> by5 = new USpec(Testing::EvenGrid(380.0, 5.0, 81));
+    TPlugRef<USpec> uneven = new USpec(Testing::EvenGrid(383.3, 13.1, 30));
     const int n = spectral->NWaves();
 
     std::mt19937 rng(99);

@@ -19,6 +19,8 @@ using Korvane::Testing::GridModel;
 using Korvane::Testing::ScopedDefaultGrid;
 using Korvane::Testing::ScopedModelTypes;
 
+using Korvane::Testing::EvenGrid;
+
 namespace {
 
 bool SameBits(const TVect3<double>& a, const TVect3<double>& b) {
@@ -26,14 +28,6 @@ bool SameBits(const TVect3<double>& a, const TVect3<double>& b) {
 }
 bool SameBits(const RGBColourDistr<double>& a, const TVect3<double>& b) {
     return std::memcmp(&a, &b, sizeof b) == 0;
-}
-
-MArray<double> EvenGrid(double first, double step, int n) {
-    MArray<double> grid(10);
-    grid.Alloc(n);
-    for (int i = 0; i < n; ++i)
-        grid[i] = first + step * i;
-    return grid;
 }
 
 } // namespace

@@ -72,4 +72,13 @@ inline MArray<double> Grid(std::initializer_list<double> values) {
     return grid;
 }
 
+// n wavelengths first, first + step, ... (each first + step * i).
+inline MArray<double> EvenGrid(double first, double step, int n) {
+    MArray<double> grid(10);
+    grid.Alloc(n);
+    for (int i = 0; i < n; ++i)
+        grid[i] = first + step * i;
+    return grid;
+}
+
 } // namespace Korvane::Testing

@@ -29,17 +29,11 @@
 using namespace Korvane;
 using Korvane::Testing::GridModel;
 
+using Korvane::Testing::EvenGrid;
+
 namespace {
 
 using ThreadedConversion = Korvane::Testing::Registered;
-
-MArray<double> EvenGrid(double first, double step, int n) {
-    MArray<double> grid(10);
-    grid.Alloc(n);
-    for (int i = 0; i < n; ++i)
-        grid[i] = first + step * i;
-    return grid;
-}
 
 // Everything one round of conversions produces (the answers of the steps included, which must
 // be 0), compared bit for bit between threads.
