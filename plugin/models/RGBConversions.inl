@@ -106,18 +106,6 @@ bool FromPolarizedSpectrum(const ColorModel* src, const D& d, Dst& to, ToRGB toR
                           });
 }
 
-// The samples of an unpolarized spectral light colour that can be read in place: those of a
-// colour with exactly the source's NWaves samples and a band over all of them (what LgtToArray
-// would copy, bit for bit); null otherwise (the copying path decides).
-template <class I>
-const double* WholeLight(const ColorModel* src, const I& from) {
-    const auto& d = Value<SpectralModel<Unpolarized>>(from).Distr();
-    const int n = src->NWaves();
-    if (n < 1 || d.Count() != n || d.First() > 0 || d.Last() < n - 1)
-        return nullptr;
-    return d.Values();
-}
-
 // The failure report of a spectral path: the same text as format and message.
 inline int ConversionFailure(const char* text) {
     return User()->ErrorMessageEx(text, text);
@@ -146,17 +134,6 @@ template <class S>
 TVect3<double> SpectrumRGB(const MArray<double>& waves, const S& spectrum) {
     TVect3<double> xyz(0.0, 0.0, 0.0);
     CIEConv::spectrum2xyz(waves, spectrum, xyz);
-    return RGBOps::ApplyM(xyz);
-}
-
-// The same for the whole light of a spectral source read in place, through the source's own
-// converter tables when it has them (no lookup of the grid).
-inline TVect3<double> SpectrumRGB(const ColorModel& src, const BArray<double>& spectrum) {
-    TVect3<double> xyz(0.0, 0.0, 0.0);
-    if (const CIEGrid* grid = GridTablesOf(src))
-        CIEConv::spectrum2xyz(*grid, src.GetWaveLengths(), spectrum, xyz);
-    else
-        CIEConv::spectrum2xyz(src.GetWaveLengths(), spectrum, xyz);
     return RGBOps::ApplyM(xyz);
 }
 
@@ -252,14 +229,15 @@ int RGBModel<Pol>::ConvertColor(const ColorModel* src, const ILgtColor& from, IL
     } else if (kind == SourceKind::XYY) {
         RGBOps::SetIntensities(out, RGBOps::ApplyM(ClampedXYZ(Triple(from))));
     } else if (kind == SourceKind::Spectral) {
-        if (src->HasPolarization()) {
+        const SpectralSource source = SourceOf(*src);
+        TVect3<double> xyz(0.0, 0.0, 0.0);
+        if (source.polarized) {
             const auto& d = Value<SpectralModel<StokesPolarization>>(from).Distr();
             if (!FromPolarizedSpectrum(src, d, out, LightRGB))
                 return ConversionFailure(kFailure);
-        } else if (const double* inPlace = WholeLight(src, from)) {
+        } else if (SourceSamples::InPlaceLightXYZ(source, from, xyz)) {
             // Read where it is: no scratch array when nothing would be copied.
-            const BArray<double> spectrum(const_cast<double*>(inPlace), src->NWaves());
-            RGBOps::SetIntensities(out, SpectrumRGB(*src, spectrum));
+            RGBOps::SetIntensities(out, RGBOps::ApplyM(xyz));
         } else {
             TArray<double> spectrum(10);
             const auto read = [](const ColorModel& m, const ILgtColor& c, double* values) {

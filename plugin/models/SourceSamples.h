@@ -18,6 +18,7 @@
 #pragma once
 
 #include "hostkit/base/containers/TArray.h"
+#include "hostkit/cie/CIEConv.h"
 #include "hostkit/colormodel/ColorModel.h"
 #include "plugin/models/ColourAccess.h"
 #include "plugin/models/SpectralModel.h"
@@ -25,6 +26,24 @@
 #include <type_traits>
 
 namespace Korvane::SourceSamples {
+
+// The light XYZ of an unpolarized spectral light read where it is, when nothing would be copied:
+// a colour of exactly the source's NWaves samples with a band over all of them (LgtToArray would
+// copy them bit for bit), integrated through the source's converter tables when known. False,
+// with xyz untouched, when the copying path decides.
+template <class I>
+bool InPlaceLightXYZ(const SpectralSource& source, const I& from, TVect3<double>& xyz) {
+    const auto& d = ColourAccess::Value<SpectralModel<Unpolarized>>(from).Distr();
+    const int n = source.n;
+    if (source.polarized || n < 1 || d.Count() != n || d.First() > 0 || d.Last() < n - 1)
+        return false;
+    const BArray<double> inPlace(const_cast<double*>(d.Values()), n);
+    if (source.tables)
+        CIEConv::spectrum2xyz(*source.tables, *source.waves, inPlace, xyz);
+    else
+        CIEConv::spectrum2xyz(*source.waves, inPlace, xyz);
+    return true;
+}
 
 // The doubles that the array slots (LgtToArray, SurfToArray, ScalarToArray) of the spectral
 // model `src` write for `from`: every stored sample, in the layout its HasPolarization states.

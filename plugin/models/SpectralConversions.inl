@@ -128,11 +128,12 @@ int ResampleDistr(const MArray<double>& s, const From& from, const MArray<double
 // polarization, over that model's grid.
 template <class I, class To>
 int ResampleFrom(const ColorModel& src, const I& from, const MArray<double>& t, To& to) {
-    if (src.HasPolarization())
-        return ResampleDistr(src.GetWaveLengths(),
+    const SpectralSource source = SourceOf(src);
+    if (source.polarized)
+        return ResampleDistr(*source.waves,
                              ColourAccess::Value<SpectralModel<StokesPolarization>>(from).Distr(),
                              t, to);
-    return ResampleDistr(src.GetWaveLengths(),
+    return ResampleDistr(*source.waves,
                          ColourAccess::Value<SpectralModel<Unpolarized>>(from).Distr(), t, to);
 }
 

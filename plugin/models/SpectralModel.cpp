@@ -167,10 +167,19 @@ namespace Korvane {
 template class SpectralModel<Unpolarized>;
 template class SpectralModel<StokesPolarization>;
 
-const CIEGrid* GridTablesOf(const ColorModel& model) {
-    if (typeid(model) != typeid(SpectralModel<Unpolarized>))
-        return nullptr;
-    return &static_cast<const SpectralModel<Unpolarized>&>(model).GridTables();
+SpectralSource SourceOf(const ColorModel& model) {
+    SpectralSource source;
+    if (&typeid(model) == &typeid(SpectralModel<Unpolarized>)) {
+        const auto& own = static_cast<const SpectralModel<Unpolarized>&>(model);
+        source.n = own.BSpectralModel::NWaves();
+        source.waves = &own.BSpectralModel::GetWaveLengths();
+        source.tables = &own.GridTables();
+        return source;
+    }
+    source.polarized = model.HasPolarization();
+    source.n = model.NWaves();
+    source.waves = &model.GetWaveLengths();
+    return source;
 }
 
 } // namespace Korvane

@@ -178,9 +178,15 @@ private:
 extern template class SpectralModel<Unpolarized>;
 extern template class SpectralModel<StokesPolarization>;
 
-// The converter tables of `model` when it is an unpolarized spectral model of this library (its
-// GridTables), else null: what conversions out of its light colours read without looking the
-// grid up. A test of the object's type, no virtual call.
-KOR_PLUGIN_API const CIEGrid* GridTablesOf(const ColorModel& model);
+// What the conversions out of a spectral source read of its model, once per conversion: from an
+// unpolarized spectral model of this library directly (a test of the object's type, no virtual
+// call), through the model's interface from any other.
+struct SpectralSource {
+    bool polarized = false;
+    int n = 0;                             // NWaves
+    const MArray<double>* waves = nullptr; // the grid
+    const CIEGrid* tables = nullptr;       // its converter tables; null when not known
+};
+KOR_PLUGIN_API SpectralSource SourceOf(const ColorModel& model);
 
 } // namespace Korvane

@@ -88,21 +88,9 @@ TVect3<double> XYZOfChannels(const ColorModel& src, const I& from) {
 // conversion: on a grid it cannot integrate it gives (0, 0, 0). 0, or ErrorNoMemory's code.
 template <class Kind, class I>
 int SpectralXYZ(const ColorModel& src, const I& from, TVect3<double>& xyz) {
-    const int n = src.NWaves();
     if constexpr (std::is_same_v<Kind, LightKind>) {
-        // Read where it is when nothing would be copied: an unpolarized light of exactly NWaves
-        // samples with a band over all of them (LgtToArray would copy them bit for bit).
-        if (!src.HasPolarization()) {
-            const auto& d = Value<SpectralModel<Unpolarized>>(from).Distr();
-            if (n >= 1 && d.Count() == n && d.First() <= 0 && d.Last() >= n - 1) {
-                const BArray<double> inPlace(const_cast<double*>(d.Values()), n);
-                if (const CIEGrid* grid = GridTablesOf(src))
-                    CIEConv::spectrum2xyz(*grid, src.GetWaveLengths(), inPlace, xyz);
-                else
-                    CIEConv::spectrum2xyz(src.GetWaveLengths(), inPlace, xyz);
-                return 0;
-            }
-        }
+        if (SourceSamples::InPlaceLightXYZ(SourceOf(src), from, xyz))
+            return 0;
     }
     TArray<double> spectrum(10);
     if (SourceSamples::FirstSamples(src, from, Kind::Samples, spectrum) != 0)
