@@ -211,7 +211,9 @@ int Walk(const double* s, int m, const double* t, int lo, int hi, const TArray<d
 // step a whole multiple of the source's. Every interval that starts on such a sample is at least
 // DBL_MIN wide, so that its reciprocal is finite and 0 times it is 0, as in the walk. The first
 // two targets' intervals give `first` and `step`, then one comparison per target confirms them
-// (Kernels::SamplesMatch, which also tells whether those intervals are all of one `width`).
+// (Kernels::SamplesMatch, which also tells whether those intervals are all of one `width`). Like
+// the walk's guesses, this gives the bisection's intervals on a source grid that ascends, as
+// every model's grid does.
 inline bool OnSamples(const TArray<double>& grid, const double* t, int lo, int hi, int& first,
                       int& step, double& width) {
     const double* s = grid.Data();
