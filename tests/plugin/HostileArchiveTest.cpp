@@ -22,16 +22,15 @@ namespace {
 
 using HostileArchive = Korvane::Testing::Registered;
 
-// An array holder of `ident` that claims `count` colours and stores none of them (each
-// colour's sample count is left out, and reads as 0 at the group's end), followed by `padding`
-// doubles that make the claim look affordable.
-template <class Archive>
-std::string ClaimingArchive(const char* ident, std::int32_t count, int padding) {
+// A holder of `ident` whose "Data" group holds only what `claim` writes (counts or a shape, no
+// colours), followed by `padding` doubles that make the claim look affordable.
+template <class Archive, class Claim>
+std::string Claiming(const char* ident, Claim claim, int padding) {
     Archive a;
     std::string type = ident;
     a.Serialize(type);
     a.OpenGroup("Data");
-    a.Serialize(count);
+    claim(a);
     a.CloseGroup();
     std::vector<double> pad(static_cast<std::size_t>(padding), 0.0);
     a.Serialize(pad.data(), padding);
@@ -42,26 +41,26 @@ std::string ClaimingArchive(const char* ident, std::int32_t count, int padding) 
         return a.Text();
 }
 
-// A matrix holder of `ident` that claims rows x cols colours and stores none of them, followed
-// by `padding` doubles.
+// An array holder that claims `count` colours and stores none of them (each colour's sample
+// count is left out, and reads as 0 at the group's end).
+template <class Archive>
+std::string ClaimingArchive(const char* ident, std::int32_t count, int padding) {
+    return Claiming<Archive>(
+        ident, [&](Archive& a) { a.Serialize(count); }, padding);
+}
+
+// A matrix holder that claims rows x cols colours and stores none of them.
 template <class Archive>
 std::string ClaimingMatrix(const char* ident, std::int32_t rows, std::int32_t cols, int padding) {
-    Archive a;
-    std::string type = ident;
-    a.Serialize(type);
-    a.OpenGroup("Data");
-    a.Serialize(rows);
-    a.Serialize(cols);
-    std::int64_t count = std::int64_t{rows} * cols;
-    a.Serialize(count);
-    a.CloseGroup();
-    std::vector<double> pad(static_cast<std::size_t>(padding), 0.0);
-    a.Serialize(pad.data(), padding);
-    a.Finish();
-    if constexpr (std::is_same_v<Archive, BinarySerializer>)
-        return a.Bytes();
-    else
-        return a.Text();
+    return Claiming<Archive>(
+        ident,
+        [&](Archive& a) {
+            a.Serialize(rows);
+            a.Serialize(cols);
+            std::int64_t count = std::int64_t{rows} * cols;
+            a.Serialize(count);
+        },
+        padding);
 }
 
 } // namespace
