@@ -4,15 +4,19 @@
 #include "hostkit/base/User.h"
 #include "hostkit/cie/CIEConvAll.h"
 #include "hostkit/cie/CIEConvImpl.h"
+#include "hostkit/cie/CurrentConv.h"
 #include "hostkit/cie/RGBSpace.h"
 
 #include <atomic>
 #include <new>
 
 namespace Korvane {
+
+std::atomic<const CIEConv*> Cie::gCurrentConv{nullptr};
+std::atomic<const CIEConv*> Cie::gDefaultConv{nullptr};
+
 namespace {
 
-std::atomic<const CIEConv*> gCurrent{nullptr};
 std::atomic<std::uint64_t> gSerial{0};
 
 const Cie::RGBSpaceMatrices& SRGB() {
@@ -190,12 +194,11 @@ CIEGrid CIEConv::ResolveGrid(const TArray<double>& waves) const {
 }
 
 const CIEConv* CIEConv::Current() {
-    const CIEConv* c = gCurrent.load(std::memory_order_acquire);
-    return c ? c : CIEConvAll::Default();
+    return Cie::CurrentConv();
 }
 
 void CIEConv::SetCurrent(const CIEConv* conv) {
-    gCurrent.store(conv, std::memory_order_release);
+    Cie::gCurrentConv.store(conv, std::memory_order_release);
 }
 
 // -- spectra to XYZ, RGB and grey -------------------------------------------------------------

@@ -2,6 +2,7 @@
 
 #include "hostkit/base/User.h"
 #include "hostkit/cie/CIEConvImpl.h"
+#include "hostkit/cie/CurrentConv.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -40,6 +41,7 @@ const CIEConvAll* CIEConvAll::Default() {
             std::abort();
         }
         c->AddRef();
+        Cie::gDefaultConv.store(c, std::memory_order_release);
         return c;
     }();
     return conv;

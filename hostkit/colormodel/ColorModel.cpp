@@ -2,6 +2,7 @@
 
 #include "hostkit/base/CallLog.h"
 #include "hostkit/cie/CIEConvAll.h"
+#include "hostkit/cie/CurrentConv.h"
 #include "hostkit/colormodel/ColorModelType.h"
 #include "hostkit/field/WaveLength.h"
 
@@ -103,7 +104,7 @@ void ColorModel::SetCIEConvAll(const CIEConvAll* conv) {
 }
 
 const CIEConv* ColorModel::GetCIEConv() {
-    return CIEConv::Current();
+    return Cie::CurrentConv();
 }
 
 const CIEConvAll* ColorModel::GetCIEConvAll() {
