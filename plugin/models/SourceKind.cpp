@@ -9,17 +9,10 @@
 #include <typeinfo>
 
 namespace Korvane {
-namespace {
-
-struct KnownModel {
-    const std::type_info* type;
-    SourceKind kind;
-};
-
-// The library's model classes, the likeliest sources of a per-ray conversion first. A type_info
-// address that matches none (a model of another class, or, on a platform that keeps more than
-// one type_info per class, a copy) sends the model to the questions, which give the same kind.
-const KnownModel kKnown[] = {
+// A type_info address that matches none (a model of another class, or, on a platform that keeps
+// more than one type_info per class, a copy) sends the model to the questions, which give the
+// same kind.
+const KnownModel kKnownModels[kKnownModelCount] = {
     {&typeid(SpectralModel<Unpolarized>), SourceKind::Spectral},
     {&typeid(RGBModel<Unpolarized>), SourceKind::RGB},
     {&typeid(XYZModel), SourceKind::XYZ},
@@ -30,7 +23,7 @@ const KnownModel kKnown[] = {
     {&typeid(BWModel<StokesPolarization>), SourceKind::BW},
 };
 
-SourceKind Asked(const ColorModel& src) {
+SourceKind AskedKind(const ColorModel& src) {
     if (src.IsBW())
         return SourceKind::BW;
     if (src.IsRGB())
@@ -42,18 +35,6 @@ SourceKind Asked(const ColorModel& src) {
     if (src.IsSpectral())
         return SourceKind::Spectral;
     return SourceKind::Other;
-}
-
-} // namespace
-
-SourceKind KindOf(const ColorModel* src) {
-    if (!src)
-        return SourceKind::Other;
-    const std::type_info* type = &typeid(*src);
-    for (const KnownModel& known : kKnown)
-        if (known.type == type)
-            return known.kind;
-    return Asked(*src);
 }
 
 } // namespace Korvane
