@@ -13,6 +13,7 @@
 #include "plugin/models/SourceKind.h"
 
 #include <type_traits>
+#include <typeinfo>
 
 namespace Korvane {
 namespace RGBConversion {
@@ -137,6 +138,58 @@ TVect3<double> SpectrumRGB(const MArray<double>& waves, const S& spectrum) {
     return RGBOps::ApplyM(xyz);
 }
 
+// spectrum2xyz of the stored samples of an unpolarized spectral light, seen in place without a
+// copy (the view only reads them).
+template <class I>
+TVect3<double> StoredLightXYZ(const MArray<double>& waves, const I& from) {
+    const auto& c = Value<SpectralModel<Unpolarized>>(from);
+    const BArray<double> samples(const_cast<double*>(c.Values()), c.Count());
+    TVect3<double> xyz(0.0, 0.0, 0.0);
+    CIEConv::spectrum2xyz(waves, samples, xyz);
+    return xyz;
+}
+
+// What SetIntensities and then the light clamp of RGBModel<Pol> leave: an unpolarized light has
+// every negative intensity set to 0 (v < 0 ? 0 : v, so NaN and -0 stay); a polarized one is not
+// clamped.
+template <class Pol, class V>
+void SetClampedLight(V& c, const TVect3<double>& v) {
+    if constexpr (Pol::kIsPolarized) {
+        RGBOps::SetIntensities(c, v);
+    } else {
+        for (int ch = 0; ch < 3; ++ch)
+            c.Channel(ch)[0] = v[ch] < 0.0 ? 0.0 : v[ch];
+    }
+}
+
+// The light of a spectral source as RGB intensities (the light clamp still to come): a polarized
+// spectrum element by element, an unpolarized one read in place where nothing would be copied,
+// else through the scratch spectrum. 0, or the code of the failure report. Kept out of line, so
+// that the fixed-size paths of the light conversion stay small.
+template <class Pol, class Out>
+__attribute__((noinline)) int LightFromSpectrum(const ColorModel* src, const ILgtColor& from,
+                                                Out& out) {
+    const SpectralSource source = SourceOf(*src);
+    TVect3<double> xyz(0.0, 0.0, 0.0);
+    if (source.polarized) {
+        const auto& d = Value<SpectralModel<StokesPolarization>>(from).Distr();
+        if (!FromPolarizedSpectrum(src, d, out, LightRGB))
+            return ConversionFailure("RGB light color conversion failure");
+    } else if (SourceSamples::InPlaceLightXYZ(source, from, xyz)) {
+        // Read where it is: no scratch array when nothing would be copied.
+        RGBOps::SetIntensities(out, RGBOps::ApplyM(xyz));
+    } else {
+        TArray<double> spectrum(10);
+        const auto read = [](const ColorModel& m, const ILgtColor& c, double* values) {
+            m.LgtToArray(c, values);
+        };
+        if (const int r = ReadScratch(src, from, spectrum, read))
+            return r;
+        RGBOps::SetIntensities(out, SpectrumRGB(src->GetWaveLengths(), spectrum));
+    }
+    return 0;
+}
+
 } // namespace RGBConversion
 
 template <class Pol>
@@ -217,36 +270,23 @@ int RGBModel<Pol>::ConvertColor(const ColorModel* src, const IScalarColor& from,
 template <class Pol>
 int RGBModel<Pol>::ConvertColor(const ColorModel* src, const ILgtColor& from, ILgtColor& to) const {
     using namespace RGBConversion;
-    constexpr const char* kFailure = "RGB light color conversion failure";
     auto& out = Value<RGBModel>(to);
     const SourceKind kind = KindOf(src);
+    if (kind == SourceKind::XYZ || kind == SourceKind::XYY) {
+        // The matrix before the colour is read, so that nothing is held across the call.
+        const TMatrix3& m = ColorModel::GetCIEConv()->XYZ2RGB();
+        const TVect3<double> xyz =
+            kind == SourceKind::XYZ ? Triple(from) : ClampedXYZ(Triple(from));
+        SetClampedLight<Pol>(out, m * xyz);
+        return 0;
+    }
     if (kind == SourceKind::BW) {
         WithSourceLayout<BWModel>(src, from, [&out](const auto& c) { TakeChannels(c, out); });
     } else if (kind == SourceKind::RGB) {
         WithSourceLayout<RGBModel>(src, from, [&out](const auto& c) { TakeChannels(c, out); });
-    } else if (kind == SourceKind::XYZ) {
-        RGBOps::SetIntensities(out, RGBOps::ApplyM(Triple(from)));
-    } else if (kind == SourceKind::XYY) {
-        RGBOps::SetIntensities(out, RGBOps::ApplyM(ClampedXYZ(Triple(from))));
     } else if (kind == SourceKind::Spectral) {
-        const SpectralSource source = SourceOf(*src);
-        TVect3<double> xyz(0.0, 0.0, 0.0);
-        if (source.polarized) {
-            const auto& d = Value<SpectralModel<StokesPolarization>>(from).Distr();
-            if (!FromPolarizedSpectrum(src, d, out, LightRGB))
-                return ConversionFailure(kFailure);
-        } else if (SourceSamples::InPlaceLightXYZ(source, from, xyz)) {
-            // Read where it is: no scratch array when nothing would be copied.
-            RGBOps::SetIntensities(out, RGBOps::ApplyM(xyz));
-        } else {
-            TArray<double> spectrum(10);
-            const auto read = [](const ColorModel& m, const ILgtColor& c, double* values) {
-                m.LgtToArray(c, values);
-            };
-            if (const int r = ReadScratch(src, from, spectrum, read))
-                return r;
-            RGBOps::SetIntensities(out, SpectrumRGB(src->GetWaveLengths(), spectrum));
-        }
+        if (const int r = LightFromSpectrum<Pol>(src, from, out))
+            return r;
     } else {
         return User()->InternalError("Not supported light color conversion");
     }
@@ -258,23 +298,35 @@ template <class Pol>
 int RGBModel<Pol>::ConvertToRayColor(const ColorModel* src, const ILgtColor& from,
                                      IRayColor& to) const {
     using namespace RGBConversion;
-    if (!src || !src->IsSpectral())
-        return ColorModel::ConvertToRayColor(src, from, to);
-    if (SampleCount(src, from) != src->NWaves())
-        return -1;
     auto& out = Value<RGBModel>(to).Light();
-    if (src->HasPolarization()) {
-        const auto& d = Value<SpectralModel<StokesPolarization>>(from).Distr();
-        if (!FromPolarizedSpectrum(src, d, out, LightRGB))
-            return ConversionFailure("Light to RGB ray color conversion failure");
+    double sourceEnergy = 0.0;
+    if (src && &typeid(*src) == &typeid(SpectralModel<Unpolarized>)) {
+        // This library's unpolarized spectral model: the same steps as below without a virtual
+        // question, its samples integrated in place through its grid's converter tables.
+        const auto& model = static_cast<const SpectralModel<Unpolarized>&>(*src);
+        const SpectralSource source = SourceOf(model);
+        if (Value<SpectralModel<Unpolarized>>(from).Count() != source.n)
+            return -1;
+        TVect3<double> xyz(0.0, 0.0, 0.0);
+        if (!SourceSamples::InPlaceLightXYZ(source, from, xyz))
+            xyz = StoredLightXYZ(*source.waves, from);
+        RGBOps::SetIntensities(out, ColourMath::ClampNegative(RGBOps::ApplyM(xyz)));
+        sourceEnergy = model.SpectralModel<Unpolarized>::LgtEnergy(from);
     } else {
-        // The stored samples seen in place, without a copy; the view only reads them.
-        const auto& c = Value<SpectralModel<Unpolarized>>(from);
-        const BArray<double> samples(const_cast<double*>(c.Values()), c.Count());
-        RGBOps::SetIntensities(
-            out, ColourMath::ClampNegative(SpectrumRGB(src->GetWaveLengths(), samples)));
+        if (!src || !src->IsSpectral())
+            return ColorModel::ConvertToRayColor(src, from, to);
+        if (SampleCount(src, from) != src->NWaves())
+            return -1;
+        if (src->HasPolarization()) {
+            const auto& d = Value<SpectralModel<StokesPolarization>>(from).Distr();
+            if (!FromPolarizedSpectrum(src, d, out, LightRGB))
+                return ConversionFailure("Light to RGB ray color conversion failure");
+        } else {
+            RGBOps::SetIntensities(out, ColourMath::ClampNegative(RGBOps::ApplyM(
+                                            StoredLightXYZ(src->GetWaveLengths(), from))));
+        }
+        sourceEnergy = src->LgtEnergy(from);
     }
-    const double sourceEnergy = src->LgtEnergy(from);
     if (sourceEnergy == 0.0)
         return 0;
     // No guard against a zero sum here: the division stands as it is.
