@@ -236,6 +236,27 @@ template <class Pol>
 int SpectralModel<Pol>::ConvertColor(const ColorModel* src, const ILgtColor& from,
                                      ILgtColor& to) const {
     using namespace SpectralConversion;
+    auto& target = ColourAccess::Value<SpectralModel>(to).Distr();
+    if constexpr (!Pol::kIsPolarized) {
+        // A light of this library's unpolarized RGB model onto a target of the grid's length, the
+        // per-ray case: what the general path below does for it, without its questions and its
+        // scratch array.
+        if (src && &typeid(*src) == &typeid(RGBModel<Unpolarized>) && target.Count() == NWaves()) {
+            target.SetBand(0, target.Count() - 1);
+            if (const int r =
+                    ReconstructLightInPlace(*this, Triple(from), false, target, kRGBFailed))
+                return r;
+            ClampLgtColor(to);
+            return 0;
+        }
+    }
+    return ConvertLight(src, from, to);
+}
+
+template <class Pol>
+int SpectralModel<Pol>::ConvertLight(const ColorModel* src, const ILgtColor& from,
+                                     ILgtColor& to) const {
+    using namespace SpectralConversion;
     using Comp = typename Pol::LightComp;
     auto& target = ColourAccess::Value<SpectralModel>(to).Distr();
     target.SetBand(0, target.Count() - 1);

@@ -9,6 +9,7 @@
 #include "plugin/colour/ColourValues.h"
 #include "plugin/frame/LibraryObjects.h"
 #include "plugin/models/ColourAccess.h"
+#include "plugin/models/RGBModel.h"
 
 #include <typeinfo>
 

@@ -170,6 +170,8 @@ private:
     // no-memory report (the model is then without a converter).
     int RenewConverter(const CIEConv* conv);
     void SetNameFromType();
+    // The light ConvertColor past its per-ray case: every source kind, every target length.
+    int ConvertLight(const ColorModel* src, const ILgtColor& from, ILgtColor& to) const;
 
     TPlugRef<MassColConv> conv_;
     CIEGrid cieGrid_; // the grid's tables from the converter of conv_; shared by copies
