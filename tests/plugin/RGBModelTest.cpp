@@ -18,6 +18,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <string>
 
 using namespace Korvane;
@@ -134,6 +135,18 @@ TEST(RGBModelConversion, FixedSizeSourcesByChannelOrThroughM) {
     EXPECT_EQ(
         Intensities(Convert<SurfColor<RS>>(m.rgbS, m.xyz, Make<SurfColor<XYZModel>>({0, 1, 0}))),
         T3(0, g.y, 0));
+    // The light clamp sets only what is below 0: a -0 channel (row 0 of M is (+, -, -), so
+    // XYZ (-0, +0, +0) gives three -0 products) stays -0, NaN stays NaN.
+    const TMatrix3& M = Cie().XYZ2RGB();
+    ASSERT_TRUE(M[0][0] > 0.0 && M[0][1] < 0.0 && M[0][2] < 0.0);
+    const auto negZero =
+        Convert<LgtColor<RU>>(m.rgbU, m.xyz, Make<LgtColor<XYZModel>>({-0.0, 0, 0}));
+    EXPECT_TRUE(negZero[0] == 0.0 && std::signbit(negZero[0]));
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const auto notANumber =
+        Convert<LgtColor<RU>>(m.rgbU, m.xyz, Make<LgtColor<XYZModel>>({nan, 0, 0}));
+    for (int c = 0; c < 3; ++c)
+        EXPECT_TRUE(std::isnan(notANumber[c])) << c;
     // xyY with y = 0 reads 1/y as 1: (0.3, 0, 0.5) is XYZ (0.15, 0.5, -0.15), Z clamped.
     EXPECT_EQ(
         Intensities(Convert<LgtColor<RS>>(m.rgbS, m.xyy, Make<LgtColor<XYYModel>>({0.3, 0, 0.5}))),
@@ -244,6 +257,19 @@ TEST(RGBModelRay, SpectralLightCarriesTheSourceEnergy) {
     ASSERT_EQ(m.rgbU->ConvertToRayColor(spectral.Get(), unp, ray), 0);
     const double e = spectral->LgtEnergy(unp);
     EXPECT_NEAR(RGBOps::SumIntensities(ray.Light()), e, e * Tol::kRGBRayEnergy);
+    // The library's own model reads its samples in place and its own energy: the same bits as
+    // another model of its grid and energy, for a banded light too (stored samples, band energy).
+    LgtColor<SpU> banded = unp;
+    banded.Distr().SetBand(3, s.Count() - 4);
+    const LgtColor<SpU>* lights[] = {&unp, &banded};
+    for (const LgtColor<SpU>* c : lights) {
+        m.specU->energy = spectral->LgtEnergy(*c);
+        RayColor<RU> own, other;
+        ASSERT_EQ(m.rgbU->ConvertToRayColor(spectral.Get(), *c, own), 0);
+        ASSERT_EQ(m.rgbU->ConvertToRayColor(m.specU.Get(), *c, other), 0);
+        EXPECT_EQ(own.Light(), other.Light());
+    }
+    EXPECT_NE(m.specU->energy, e);
 
     // Polarized: all twelve values scaled by E / (sum of intensities); X orientation kept.
     const auto pol = Spectral<LgtColor<SpS>>(s);

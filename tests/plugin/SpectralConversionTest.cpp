@@ -79,6 +79,11 @@ TEST_F(SpectralConversion, ReconstructedSourcesGiveTheConvertersSpectrum) {
     auto scalar = Make<ScalarColor<USpec>>(11);
     ASSERT_EQ(u_->ConvertColor(rgb_.Get(), Make<LgtColor<RGBU>>(0, {0.6, 0.5, 0.4}), out), 0);
     EXPECT_EQ(Of(out), Spectrum({0.6, 0.5, 0.4}));
+    out.Distr().SetBand(2, 4); // a band the target had is dropped: the whole grid is written
+    ASSERT_EQ(u_->ConvertColor(rgb_.Get(), Make<LgtColor<RGBU>>(0, {0.6, 0.5, 0.4}), out), 0);
+    EXPECT_EQ(out.Distr().First(), 0);
+    EXPECT_EQ(out.Distr().Last(), 10);
+    EXPECT_EQ(Of(out), Spectrum({0.6, 0.5, 0.4}));
     ASSERT_EQ(u_->ConvertColor(bw_.Get(), Make<LgtColor<BWU>>(0, {0.3}), out), 0);
     EXPECT_EQ(Of(out), Spectrum({0.3, 0.3, 0.3}));
     ASSERT_EQ(u_->ConvertColor(rgb_.Get(), Make<ScalarColor<RGBU>>(0, {0.1, 0.9, 0.3}), scalar), 0);
