@@ -1,18 +1,22 @@
 // The models' per-ray paths on the default 33-point grid (390..710 nm), with the models that
-// InitClasses registers, each beside a baseline doing the same arithmetic on plain arrays:
+// InitClasses registers, each beside a limit kernel doing the same arithmetic on plain arrays,
+// built twice (LimitTargets.h): with the library's flags (<Plain>) and for AVX2 (<Avx2>):
 //   spectral light from RGB       s_i = max(0, row_i . rgb)                  (reconstruction)
 //   spectral LgtColorToRGB        RGB = sum_i s_i rgbDensity_i               (mass converter)
 //   spectral light from spectral  s_i = (1 - u_i) v[j_i] + u_i v[j_i + 1]    (380..780 by 5)
 //   DensityToEnergy, AddScaledLgt v_i *= w_i;  to_i += f from_i
 //   RGB ray from spectral light   RGB = max(0, M sum_i s_i xyz_i) E / (R + G + B)
 //   Stokes DensityToEnergy        (I, Q, U, V)_i *= w_i
-// Every library benchmark also counts the "TArray" blocks it allocates per iteration.
+// Every library benchmark also counts the "TArray" blocks it allocates per iteration. At start
+// every path and every kernel under every target run once on the same colours, and any double
+// that differs aborts the run.
 #include "plugin/colour/ColourValues.h"
 #include "plugin/frame/ModuleEntry.h"
 #include "plugin/models/RGBModel.h"
 #include "plugin/models/SpectralModel.h"
 #include "plugin/models/XYZModel.h"
 
+#include "bench/LimitTargets.h"
 #include "hostkit/base/MemStat.h"
 #include "hostkit/cie/CIEConvAll.h"
 
@@ -33,6 +37,10 @@ constexpr int kW = 41; // the shared 380..780 nm grid by 10
 using USpec = SpectralModel<Unpolarized>;
 using SSpec = SpectralModel<StokesPolarization>;
 using URGB = RGBModel<Unpolarized>;
+using Limit::Plain;
+#if KOR_LIMIT_AVX2
+using Limit::Avx2;
+#endif
 
 // The registered models, colours on their grids and plain copies of the tables the library
 // reads. Registration is undone when the process ends, so a sanitizer run sees nothing left.
@@ -210,8 +218,11 @@ void Finish(benchmark::State& state, long long before) {
     state.SetItemsProcessed(state.iterations());
 }
 
+// The limit kernels' bodies, inlined into each target's function (LimitTargets.h).
+
 // The same three weighted sums as the mass converter's response, in the same order.
-TVect3<double> ThreeWeightSum(const double* s, int stride, const double (*wt)[kN]) {
+KOR_LIMIT_INLINE inline TVect3<double> ThreeWeightSum(const double* s, int stride,
+                                                      const double (*wt)[kN]) {
     double a = 0.0, b = 0.0, c = 0.0;
     for (int i = 0; i < kN; ++i) {
         const double v = s[i * stride];
@@ -220,6 +231,24 @@ TVect3<double> ThreeWeightSum(const double* s, int stride, const double (*wt)[kN
         c += v * wt[2][i];
     }
     return {a, b, c};
+}
+
+// M xyz with negatives set to 0.
+KOR_LIMIT_INLINE inline TVect3<double> ClampedM(const Fixture& f, const TVect3<double>& xyz) {
+    TVect3<double> v;
+    for (int r = 0; r < 3; ++r) {
+        const double x = f.m[r][0] * xyz.x + f.m[r][1] * xyz.y + f.m[r][2] * xyz.z;
+        v[r] = x < 0.0 ? 0.0 : x;
+    }
+    return v;
+}
+
+// The trapezoid energy, each term v_k (l_{k+1} - l_{k-1}) / 2 in index order.
+KOR_LIMIT_INLINE inline double Energy(const double* v, const double* span) {
+    double e = 0.0;
+    for (int k = 0; k < kN; ++k)
+        e += v[k] * span[k] / 2.0;
+    return e;
 }
 
 // 1. A spectral light from an RGB light: reconstruction, then the clamp of negatives.
@@ -240,19 +269,36 @@ void BM_SpectralLightFromRGB(benchmark::State& state) {
     Finish(state, before);
 }
 
+// s_i = max(0, (1 - u_i) v[j_i] + u_i v[j_i + 1]) by the planned intervals and weights.
+KOR_LIMIT_INLINE inline void LerpClamped(const double* v, const int* js, const double* us, int n,
+                                         double* out) {
+    for (int i = 0; i < n; ++i) {
+        const int j = js[i];
+        const double u = us[i];
+        const double x = (1.0 - u) * v[j] + u * v[j + 1];
+        out[i] = x < 0.0 ? 0.0 : x;
+    }
+}
+
+// s_i = max(0, row_i . rgb): the reconstruction and the clamp in one pass.
+KOR_LIMIT_INLINE inline void ReconstructClamped(const Fixture& f, const TVect3<double>& rgb,
+                                                double* out) {
+    for (int i = 0; i < kN; ++i) {
+        const double v = f.rec[0][i] * rgb.x + f.rec[1][i] * rgb.y + f.rec[2][i] * rgb.z;
+        out[i] = v < 0.0 ? 0.0 : v;
+    }
+}
+
+template <class T>
 void BM_SpectralLightFromRGB_Limit(benchmark::State& state) {
     Fixture& f = F();
     double* out = f.plain;
     int k = 0;
-    for (auto _ : state) {
-        const TVect3<double> rgb = Colour(k++);
-        for (int i = 0; i < kN; ++i) {
-            const double v = f.rec[0][i] * rgb.x + f.rec[1][i] * rgb.y + f.rec[2][i] * rgb.z;
-            out[i] = v < 0.0 ? 0.0 : v;
-        }
+    T::Loop(state, [&]() KOR_LIMIT_INLINE {
+        ReconstructClamped(f, Colour(k++), out);
         benchmark::DoNotOptimize(out);
         benchmark::ClobberMemory();
-    }
+    });
 }
 
 // 2. RGB of a spectral light through the mass converter's density table.
@@ -268,14 +314,15 @@ void BM_SpectralLgtColorToRGB(benchmark::State& state) {
     Finish(state, before);
 }
 
+template <class T>
 void BM_SpectralLgtColorToRGB_Limit(benchmark::State& state) {
     Fixture& f = F();
     const double* s = f.light.Values();
-    for (auto _ : state) {
+    T::Loop(state, [&]() KOR_LIMIT_INLINE {
         TVect3<double> rgb = ThreeWeightSum(s, 1, f.rgbDens);
         benchmark::DoNotOptimize(rgb);
         benchmark::ClobberMemory();
-    }
+    });
 }
 
 // 3. A spectral light resampled from the 81-point grid onto the default grid.
@@ -291,20 +338,16 @@ void BM_SpectralLightResample(benchmark::State& state) {
     Finish(state, before);
 }
 
+template <class T>
 void BM_SpectralLightResample_Limit(benchmark::State& state) {
     Fixture& f = F();
     const double* v = f.wideLight.Values();
     double* out = f.plain;
-    for (auto _ : state) {
-        for (int i = 0; i < kN; ++i) {
-            const int j = f.lerpJ[i];
-            const double u = f.lerpU[i];
-            const double x = (1.0 - u) * v[j] + u * v[j + 1];
-            out[i] = x < 0.0 ? 0.0 : x;
-        }
+    T::Loop(state, [&]() KOR_LIMIT_INLINE {
+        LerpClamped(v, f.lerpJ, f.lerpU, kN, out);
         benchmark::DoNotOptimize(out);
         benchmark::ClobberMemory();
-    }
+    });
 }
 
 // 4. Density to energy and a scaled sum. DensityToEnergy would grow the values without bound,
@@ -323,16 +366,22 @@ void BM_SpectralDensityToEnergy(benchmark::State& state) {
     Finish(state, before);
 }
 
+// v_i *= w_i over the grid.
+KOR_LIMIT_INLINE inline void Weigh(double* v, const double* w) {
+    for (int i = 0; i < kN; ++i)
+        v[i] *= w[i];
+}
+
+template <class T>
 void BM_SpectralDensityToEnergy_Limit(benchmark::State& state) {
     Fixture& f = F();
     double* v = f.plain;
-    for (auto _ : state) {
+    T::Loop(state, [&]() KOR_LIMIT_INLINE {
         std::memcpy(v, f.start, kN * sizeof(double));
-        for (int i = 0; i < kN; ++i)
-            v[i] *= f.w[i];
+        Weigh(v, f.w);
         benchmark::DoNotOptimize(v);
         benchmark::ClobberMemory();
-    }
+    });
 }
 
 // The factor is small enough that the sum stays finite for any run length.
@@ -348,15 +397,21 @@ void BM_SpectralAddScaledLgt(benchmark::State& state) {
     CountAllocations(state, before);
 }
 
+// to_i += f from_i over the grid.
+KOR_LIMIT_INLINE inline void AddScaled(double* to, double factor, const double* from) {
+    for (int i = 0; i < kN; ++i)
+        to[i] += factor * from[i];
+}
+
+template <class T>
 void BM_SpectralAddScaledLgt_Limit(benchmark::State& state) {
     Fixture& f = F();
     double* to = f.plain;
-    for (auto _ : state) {
-        for (int i = 0; i < kN; ++i)
-            to[i] += kAddFactor * f.plainB[i];
+    T::Loop(state, [&]() KOR_LIMIT_INLINE {
+        AddScaled(to, kAddFactor, f.plainB);
         benchmark::DoNotOptimize(to);
         benchmark::ClobberMemory();
-    }
+    });
 }
 
 // 5. An RGB ray from a spectral light: XYZ, M, clamp, then scaling to the spectral energy.
@@ -370,27 +425,26 @@ void BM_RGBRayFromSpectral(benchmark::State& state) {
     CountAllocations(state, before);
 }
 
+// The ray's RGB: M XYZ clamped, scaled by E / (R + G + B) with E the trapezoid energy.
+KOR_LIMIT_INLINE inline void RayRGB(const Fixture& f, const double* s, double out[3]) {
+    const TVect3<double> xyz = ThreeWeightSum(s, 1, f.xyzW);
+    const double e = Energy(s, f.span);
+    const TVect3<double> rgb = ClampedM(f, xyz);
+    const double scale = e / (rgb.x + rgb.y + rgb.z);
+    for (int r = 0; r < 3; ++r)
+        out[r] = rgb[r] * scale;
+}
+
+template <class T>
 void BM_RGBRayFromSpectral_Limit(benchmark::State& state) {
     Fixture& f = F();
     const double* s = f.light.Values();
     double out[3];
-    for (auto _ : state) {
-        const TVect3<double> xyz = ThreeWeightSum(s, 1, f.xyzW);
-        double e = 0.0;
-        for (int i = 0; i < kN; ++i)
-            e += s[i] * f.trap[i];
-        double sum = 0.0;
-        for (int r = 0; r < 3; ++r) {
-            const double v = f.m[r][0] * xyz.x + f.m[r][1] * xyz.y + f.m[r][2] * xyz.z;
-            out[r] = v < 0.0 ? 0.0 : v;
-            sum += out[r];
-        }
-        const double scale = e / sum;
-        for (double& v : out)
-            v *= scale;
+    T::Loop(state, [&]() KOR_LIMIT_INLINE {
+        RayRGB(f, s, out);
         benchmark::DoNotOptimize(out);
         benchmark::ClobberMemory();
-    }
+    });
 }
 
 // 6. Density to energy of a Stokes light: all four doubles of each wavelength.
@@ -406,22 +460,28 @@ void BM_StokesDensityToEnergy(benchmark::State& state) {
     CountAllocations(state, before);
 }
 
+// (I, Q, U, V)_i *= w_i over the grid.
+KOR_LIMIT_INLINE inline void WeighStokes(double* v, const double* w) {
+    for (int i = 0; i < kN; ++i) {
+        const double wi = w[i]; // read once: the stores below may alias the table
+        double* p = v + 4 * i;
+        p[0] *= wi;
+        p[1] *= wi;
+        p[2] *= wi;
+        p[3] *= wi;
+    }
+}
+
+template <class T>
 void BM_StokesDensityToEnergy_Limit(benchmark::State& state) {
     Fixture& f = F();
     double* v = f.plain;
-    for (auto _ : state) {
+    T::Loop(state, [&]() KOR_LIMIT_INLINE {
         std::memcpy(v, f.start, sizeof f.start);
-        for (int i = 0; i < kN; ++i) {
-            const double wi = f.w[i]; // read once: the stores below may alias the table
-            double* p = v + 4 * i;
-            p[0] *= wi;
-            p[1] *= wi;
-            p[2] *= wi;
-            p[3] *= wi;
-        }
+        WeighStokes(v, f.w);
         benchmark::DoNotOptimize(v);
         benchmark::ClobberMemory();
-    }
+    });
 }
 
 // 7. An RGB light from a spectral light: XYZ by the converter's light rows, M, the clamp.
@@ -436,23 +496,15 @@ void BM_RGBLightFromSpectral(benchmark::State& state) {
     Finish(state, before);
 }
 
-TVect3<double> ClampedM(const Fixture& f, const TVect3<double>& xyz) {
-    TVect3<double> v;
-    for (int r = 0; r < 3; ++r) {
-        const double x = f.m[r][0] * xyz.x + f.m[r][1] * xyz.y + f.m[r][2] * xyz.z;
-        v[r] = x < 0.0 ? 0.0 : x;
-    }
-    return v;
-}
-
+template <class T>
 void BM_RGBLightFromSpectral_Limit(benchmark::State& state) {
     Fixture& f = F();
     const double* s = f.light.Values();
-    for (auto _ : state) {
+    T::Loop(state, [&]() KOR_LIMIT_INLINE {
         TVect3<double> rgb = ClampedM(f, ThreeWeightSum(s, 1, f.xyzW));
         benchmark::DoNotOptimize(rgb);
         benchmark::ClobberMemory();
-    }
+    });
 }
 
 // 8. An XYZ light from a spectral light: the converter's light rows, the clamp.
@@ -467,16 +519,23 @@ void BM_XYZLightFromSpectral(benchmark::State& state) {
     Finish(state, before);
 }
 
+// XYZ by the integration weights, negatives set to 0.
+KOR_LIMIT_INLINE inline TVect3<double> ClampedXYZ(const Fixture& f, const double* s) {
+    TVect3<double> xyz = ThreeWeightSum(s, 1, f.xyzW);
+    for (int c = 0; c < 3; ++c)
+        xyz[c] = xyz[c] >= 0.0 ? xyz[c] : 0.0;
+    return xyz;
+}
+
+template <class T>
 void BM_XYZLightFromSpectral_Limit(benchmark::State& state) {
     Fixture& f = F();
     const double* s = f.light.Values();
-    for (auto _ : state) {
-        TVect3<double> xyz = ThreeWeightSum(s, 1, f.xyzW);
-        for (int c = 0; c < 3; ++c)
-            xyz[c] = xyz[c] >= 0.0 ? xyz[c] : 0.0;
+    T::Loop(state, [&]() KOR_LIMIT_INLINE {
+        TVect3<double> xyz = ClampedXYZ(f, s);
         benchmark::DoNotOptimize(xyz);
         benchmark::ClobberMemory();
-    }
+    });
 }
 
 // 9. Resampling the default grid onto 380..780 nm by 10 (a shift of one step, held ends).
@@ -492,23 +551,15 @@ void BM_SpectralLightResampleTo41(benchmark::State& state) {
     Finish(state, before);
 }
 
-void Lerp(const double* v, const int* js, const double* us, int n, double* out) {
-    for (int i = 0; i < n; ++i) {
-        const int j = js[i];
-        const double u = us[i];
-        const double x = (1.0 - u) * v[j] + u * v[j + 1];
-        out[i] = x < 0.0 ? 0.0 : x;
-    }
-}
-
+template <class T>
 void BM_SpectralLightResampleTo41_Limit(benchmark::State& state) {
     Fixture& f = F();
     double out[kW];
-    for (auto _ : state) {
-        Lerp(f.light.Values(), f.lerp10J, f.lerp10U, kW, out);
+    T::Loop(state, [&]() KOR_LIMIT_INLINE {
+        LerpClamped(f.light.Values(), f.lerp10J, f.lerp10U, kW, out);
         benchmark::DoNotOptimize(out);
         benchmark::ClobberMemory();
-    }
+    });
 }
 
 // 10. LgtEnergy: the trapezoid area.
@@ -522,19 +573,13 @@ void BM_SpectralLgtEnergy(benchmark::State& state) {
     Finish(state, before);
 }
 
-double Energy(const double* v, const double* span) {
-    double e = 0.0;
-    for (int k = 0; k < kN; ++k)
-        e += v[k] * span[k] / 2.0;
-    return e;
-}
-
+template <class T>
 void BM_SpectralLgtEnergy_Limit(benchmark::State& state) {
     Fixture& f = F();
-    for (auto _ : state) {
+    T::Loop(state, [&]() KOR_LIMIT_INLINE {
         benchmark::DoNotOptimize(Energy(f.light.Values(), f.span));
         benchmark::ClobberMemory();
-    }
+    });
 }
 
 // 11. An RGB light from an XYZ light: M and the clamp, behind the interface's virtual calls.
@@ -549,111 +594,158 @@ void BM_RGBLightFromXYZ(benchmark::State& state) {
     Finish(state, before);
 }
 
+template <class T>
 void BM_RGBLightFromXYZ_Limit(benchmark::State& state) {
     Fixture& f = F();
-    for (auto _ : state) {
+    T::Loop(state, [&]() KOR_LIMIT_INLINE {
         TVect3<double> rgb = ClampedM(f, {f.rgbLight[0], f.rgbLight[1], f.rgbLight[2]});
         benchmark::DoNotOptimize(rgb);
         benchmark::ClobberMemory();
-    }
+    });
 }
 
-// Every library path against its limit kernel on the fixture's colours, double by double, once
-// before any timing: a kernel that does not compute the library's bits measures nothing.
-bool SameBits(const double* a, const double* b, int n, const char* what) {
+// Every library path against its limit kernel, under each target, on the fixture's colours,
+// double by double, once before any timing: a kernel that does not compute the library's bits
+// measures nothing.
+bool SameBits(const double* a, const double* b, int n, const char* what, const char* target) {
     if (std::memcmp(a, b, static_cast<std::size_t>(n) * sizeof(double)) == 0)
         return true;
-    std::fprintf(stderr, "limit kernel differs from the library: %s\n", what);
+    std::fprintf(stderr, "limit kernel (%s) differs from the library: %s\n", target, what);
     return false;
 }
 
-void CheckLimitKernels() {
+template <class T>
+bool CheckLimitKernels(const char* target) {
     Fixture& f = F();
     bool ok = true;
+    const auto same = [&](const double* a, const double* b, int n, const char* what) {
+        ok = SameBits(a, b, n, what, target) && ok;
+    };
+    double out[kW];
+    TVect3<double> lim;
     {
         const TVect3<double> c = Colour(1);
         f.rgbLight[0] = c.x;
         f.rgbLight[1] = c.y;
         f.rgbLight[2] = c.z;
         f.spectral->ConvertColor(f.rgb, f.rgbLight, f.target);
-        double out[kN];
-        for (int i = 0; i < kN; ++i) {
-            const double v = f.rec[0][i] * c.x + f.rec[1][i] * c.y + f.rec[2][i] * c.z;
-            out[i] = v < 0.0 ? 0.0 : v;
-        }
-        ok &= SameBits(f.target.Values(), out, kN, "spectral light from RGB");
+        T::Once([&]() KOR_LIMIT_INLINE { ReconstructClamped(f, c, out); });
+        same(f.target.Values(), out, kN, "spectral light from RGB");
     }
     {
         TVect3<double> rgb;
         f.spectral->LgtColorToRGB(f.light, rgb, false, false);
-        const TVect3<double> lim = ThreeWeightSum(f.light.Values(), 1, f.rgbDens);
-        ok &= SameBits(&rgb.x, &lim.x, 3, "LgtColorToRGB");
+        T::Once([&]() KOR_LIMIT_INLINE { lim = ThreeWeightSum(f.light.Values(), 1, f.rgbDens); });
+        same(&rgb.x, &lim.x, 3, "LgtColorToRGB");
     }
     {
-        LgtColor<URGB> out{};
-        f.rgb->ConvertColor(f.spectral, f.light, out);
-        const TVect3<double> lim = ClampedM(f, ThreeWeightSum(f.light.Values(), 1, f.xyzW));
-        ok &= SameBits(&out[0], &lim.x, 3, "RGB light from spectral");
-        f.xyzModel->ConvertColor(f.spectral, f.light, out);
-        const TVect3<double> xyz = ThreeWeightSum(f.light.Values(), 1, f.xyzW);
-        ok &= SameBits(&out[0], &xyz.x, 3, "XYZ light from spectral");
-        f.rgb->ConvertColor(f.xyzModel, f.rgbLight, out);
-        const TVect3<double> m = ClampedM(f, {f.rgbLight[0], f.rgbLight[1], f.rgbLight[2]});
-        ok &= SameBits(&out[0], &m.x, 3, "RGB light from XYZ");
+        LgtColor<URGB> rgb{};
+        f.rgb->ConvertColor(f.spectral, f.light, rgb);
+        T::Once([&]() KOR_LIMIT_INLINE {
+            lim = ClampedM(f, ThreeWeightSum(f.light.Values(), 1, f.xyzW));
+        });
+        same(&rgb[0], &lim.x, 3, "RGB light from spectral");
+        f.xyzModel->ConvertColor(f.spectral, f.light, rgb);
+        T::Once([&]() KOR_LIMIT_INLINE { lim = ClampedXYZ(f, f.light.Values()); });
+        same(&rgb[0], &lim.x, 3, "XYZ light from spectral");
+        f.rgb->ConvertColor(f.xyzModel, f.rgbLight, rgb);
+        T::Once([&]() KOR_LIMIT_INLINE {
+            lim = ClampedM(f, {f.rgbLight[0], f.rgbLight[1], f.rgbLight[2]});
+        });
+        same(&rgb[0], &lim.x, 3, "RGB light from XYZ");
+        f.rgb->ConvertToRayColor(f.spectral, f.light, f.rgbRay);
+        T::Once([&]() KOR_LIMIT_INLINE { RayRGB(f, f.light.Values(), out); });
+        same(&f.rgbRay.Light()[0], out, 3, "RGB ray from spectral");
     }
     {
-        double out[kW];
         f.spectral->ConvertColor(f.wide.Get(), f.wideLight, f.target);
-        Lerp(f.wideLight.Values(), f.lerpJ, f.lerpU, kN, out);
-        ok &= SameBits(f.target.Values(), out, kN, "resampling 81 -> 33");
+        T::Once([&]() KOR_LIMIT_INLINE {
+            LerpClamped(f.wideLight.Values(), f.lerpJ, f.lerpU, kN, out);
+        });
+        same(f.target.Values(), out, kN, "resampling 81 -> 33");
         LgtColor<USpec> to41;
         Fixture::Size(to41, kW);
         f.wide10->ConvertColor(f.spectral, f.light, to41);
-        Lerp(f.light.Values(), f.lerp10J, f.lerp10U, kW, out);
-        ok &= SameBits(to41.Values(), out, kW, "resampling 33 -> 41");
+        T::Once([&]() KOR_LIMIT_INLINE {
+            LerpClamped(f.light.Values(), f.lerp10J, f.lerp10U, kW, out);
+        });
+        same(to41.Values(), out, kW, "resampling 33 -> 41");
         to41.Distr().SetLength(0);
     }
     {
-        const double e = f.spectral->LgtEnergy(f.light), lim = Energy(f.light.Values(), f.span);
-        ok &= SameBits(&e, &lim, 1, "LgtEnergy");
+        const double e = f.spectral->LgtEnergy(f.light);
+        double e2 = 0.0;
+        T::Once([&]() KOR_LIMIT_INLINE { e2 = Energy(f.light.Values(), f.span); });
+        same(&e, &e2, 1, "LgtEnergy");
         std::memcpy(f.target.Values(), f.start, kN * sizeof(double));
         f.spectral->DensityToEnergy(f.target);
-        double v[kN];
-        for (int i = 0; i < kN; ++i)
-            v[i] = f.start[i] * f.w[i];
-        ok &= SameBits(f.target.Values(), v, kN, "DensityToEnergy");
+        std::memcpy(out, f.start, kN * sizeof(double));
+        T::Once([&]() KOR_LIMIT_INLINE { Weigh(out, f.w); });
+        same(f.target.Values(), out, kN, "DensityToEnergy");
+        std::memcpy(f.target.Values(), f.light.Values(), kN * sizeof(double));
+        f.spectral->AddScaledLgt(f.lightB, kAddFactor, f.target);
+        std::memcpy(out, f.light.Values(), kN * sizeof(double));
+        T::Once([&]() KOR_LIMIT_INLINE { AddScaled(out, kAddFactor, f.plainB); });
+        same(f.target.Values(), out, kN, "AddScaledLgt");
     }
-    if (!ok)
-        std::abort();
+    {
+        std::memcpy(f.stokesLight.Values(), f.start, sizeof f.start);
+        f.stokes->DensityToEnergy(f.stokesLight);
+        double v[4 * kN];
+        std::memcpy(v, f.start, sizeof v);
+        T::Once([&]() KOR_LIMIT_INLINE { WeighStokes(v, f.w); });
+        same(f.stokesLight.Values(), v, 4 * kN, "Stokes DensityToEnergy");
+    }
+    return ok;
 }
 
-const int kChecked = (CheckLimitKernels(), 0);
+bool CheckEveryTarget() {
+    bool ok = CheckLimitKernels<Plain>("library flags");
+#if KOR_LIMIT_AVX2
+    if (Avx2::Runs())
+        ok = CheckLimitKernels<Avx2>("AVX2") && ok;
+#endif
+    if (!ok)
+        std::abort();
+    return ok;
+}
+
+const bool kChecked = CheckEveryTarget();
+
+// Each limit kernel under the library's flags and, where the processor has it, for AVX2.
+#if KOR_LIMIT_AVX2
+#define KOR_LIMIT_BENCHMARK(name)                                                                  \
+    BENCHMARK_TEMPLATE(name, Plain);                                                               \
+    BENCHMARK_TEMPLATE(name, Avx2)
+#else
+#define KOR_LIMIT_BENCHMARK(name) BENCHMARK_TEMPLATE(name, Plain)
+#endif
 
 BENCHMARK(BM_RGBLightFromSpectral)->ThreadRange(1, 2)->UseRealTime();
-BENCHMARK(BM_RGBLightFromSpectral_Limit);
+KOR_LIMIT_BENCHMARK(BM_RGBLightFromSpectral_Limit);
 BENCHMARK(BM_XYZLightFromSpectral)->ThreadRange(1, 2)->UseRealTime();
-BENCHMARK(BM_XYZLightFromSpectral_Limit);
+KOR_LIMIT_BENCHMARK(BM_XYZLightFromSpectral_Limit);
 BENCHMARK(BM_SpectralLightResampleTo41)->ThreadRange(1, 2)->UseRealTime();
-BENCHMARK(BM_SpectralLightResampleTo41_Limit);
+KOR_LIMIT_BENCHMARK(BM_SpectralLightResampleTo41_Limit);
 BENCHMARK(BM_SpectralLgtEnergy)->ThreadRange(1, 2)->UseRealTime();
-BENCHMARK(BM_SpectralLgtEnergy_Limit);
+KOR_LIMIT_BENCHMARK(BM_SpectralLgtEnergy_Limit);
 BENCHMARK(BM_RGBLightFromXYZ)->ThreadRange(1, 2)->UseRealTime();
-BENCHMARK(BM_RGBLightFromXYZ_Limit);
+KOR_LIMIT_BENCHMARK(BM_RGBLightFromXYZ_Limit);
 
 BENCHMARK(BM_SpectralLightFromRGB)->ThreadRange(1, 2)->UseRealTime();
-BENCHMARK(BM_SpectralLightFromRGB_Limit);
+KOR_LIMIT_BENCHMARK(BM_SpectralLightFromRGB_Limit);
 BENCHMARK(BM_SpectralLgtColorToRGB)->ThreadRange(1, 2)->UseRealTime();
-BENCHMARK(BM_SpectralLgtColorToRGB_Limit);
+KOR_LIMIT_BENCHMARK(BM_SpectralLgtColorToRGB_Limit);
 BENCHMARK(BM_SpectralLightResample)->ThreadRange(1, 2)->UseRealTime();
-BENCHMARK(BM_SpectralLightResample_Limit);
+KOR_LIMIT_BENCHMARK(BM_SpectralLightResample_Limit);
 BENCHMARK(BM_SpectralDensityToEnergy)->ThreadRange(1, 2)->UseRealTime();
-BENCHMARK(BM_SpectralDensityToEnergy_Limit);
+KOR_LIMIT_BENCHMARK(BM_SpectralDensityToEnergy_Limit);
 BENCHMARK(BM_SpectralAddScaledLgt);
-BENCHMARK(BM_SpectralAddScaledLgt_Limit);
+KOR_LIMIT_BENCHMARK(BM_SpectralAddScaledLgt_Limit);
 BENCHMARK(BM_RGBRayFromSpectral);
-BENCHMARK(BM_RGBRayFromSpectral_Limit);
+KOR_LIMIT_BENCHMARK(BM_RGBRayFromSpectral_Limit);
 BENCHMARK(BM_StokesDensityToEnergy);
-BENCHMARK(BM_StokesDensityToEnergy_Limit);
+KOR_LIMIT_BENCHMARK(BM_StokesDensityToEnergy_Limit);
 
 } // namespace
 } // namespace Korvane
