@@ -164,11 +164,9 @@ void SetClampedLight(V& c, const TVect3<double>& v) {
 
 // The light of a spectral source as RGB intensities (the light clamp still to come): a polarized
 // spectrum element by element, an unpolarized one read in place where nothing would be copied,
-// else through the scratch spectrum. 0, or the code of the failure report. Kept out of line, so
-// that the fixed-size paths of the light conversion stay small.
+// else through the scratch spectrum. 0, or the code of the failure report.
 template <class Pol, class Out>
-__attribute__((noinline)) int LightFromSpectrum(const ColorModel* src, const ILgtColor& from,
-                                                Out& out) {
+int LightFromSpectrum(const ColorModel* src, const ILgtColor& from, Out& out) {
     const SpectralSource source = SourceOf(*src);
     TVect3<double> xyz(0.0, 0.0, 0.0);
     if (source.polarized) {
@@ -187,6 +185,27 @@ __attribute__((noinline)) int LightFromSpectrum(const ColorModel* src, const ILg
             return r;
         RGBOps::SetIntensities(out, SpectrumRGB(src->GetWaveLengths(), spectrum));
     }
+    return 0;
+}
+
+// The light conversion from every source kind but XYZ and xyY, the light clamp included. Out of
+// line, so that the per-ray XYZ path stays small.
+template <class Pol>
+__attribute__((noinline)) int OtherLight(const RGBModel<Pol>& model, SourceKind kind,
+                                         const ColorModel* src, const ILgtColor& from,
+                                         ILgtColor& to) {
+    auto& out = Value<RGBModel<Pol>>(to);
+    if (kind == SourceKind::BW) {
+        WithSourceLayout<BWModel>(src, from, [&out](const auto& c) { TakeChannels(c, out); });
+    } else if (kind == SourceKind::RGB) {
+        WithSourceLayout<RGBModel>(src, from, [&out](const auto& c) { TakeChannels(c, out); });
+    } else if (kind == SourceKind::Spectral) {
+        if (const int r = LightFromSpectrum<Pol>(src, from, out))
+            return r;
+    } else {
+        return User()->InternalError("Not supported light color conversion");
+    }
+    model.RGBModel<Pol>::ClampLgtColor(to); // the model's own clamp, called directly
     return 0;
 }
 
@@ -270,28 +289,16 @@ int RGBModel<Pol>::ConvertColor(const ColorModel* src, const IScalarColor& from,
 template <class Pol>
 int RGBModel<Pol>::ConvertColor(const ColorModel* src, const ILgtColor& from, ILgtColor& to) const {
     using namespace RGBConversion;
-    auto& out = Value<RGBModel>(to);
     const SourceKind kind = KindOf(src);
     if (kind == SourceKind::XYZ || kind == SourceKind::XYY) {
         // The matrix before the colour is read, so that nothing is held across the call.
         const TMatrix3& m = ColorModel::GetCIEConv()->XYZ2RGB();
         const TVect3<double> xyz =
             kind == SourceKind::XYZ ? Triple(from) : ClampedXYZ(Triple(from));
-        SetClampedLight<Pol>(out, m * xyz);
+        SetClampedLight<Pol>(Value<RGBModel>(to), m * xyz);
         return 0;
     }
-    if (kind == SourceKind::BW) {
-        WithSourceLayout<BWModel>(src, from, [&out](const auto& c) { TakeChannels(c, out); });
-    } else if (kind == SourceKind::RGB) {
-        WithSourceLayout<RGBModel>(src, from, [&out](const auto& c) { TakeChannels(c, out); });
-    } else if (kind == SourceKind::Spectral) {
-        if (const int r = LightFromSpectrum<Pol>(src, from, out))
-            return r;
-    } else {
-        return User()->InternalError("Not supported light color conversion");
-    }
-    RGBModel::ClampLgtColor(to); // this model's own clamp, called directly
-    return 0;
+    return OtherLight(*this, kind, src, from, to);
 }
 
 template <class Pol>
