@@ -171,8 +171,23 @@ KOR_KERNEL_BODY void PutFour(double* p, V4& x) {
     Store(p, x);
 }
 
-// kStep 1 or 2: four targets a vector (the comparisons gathered in `hits`, no branch per
-// vector), then the tail; 0: any step, one target at a time.
+// Four targets from i on, a step kStep (1 or 2) apart on the samples: checked into `hits` (no
+// branch per vector) and written.
+template <int kStep, bool kClamp>
+KOR_KERNEL_BODY void PickFour(const double* s, const double* t, const double* v, double* out, int i,
+                              const V4& floor, Mask& hits) {
+    V4 at{}, next{}, target{}, x{}, y{};
+    SamplesAt(s, kStep, i, at, next);
+    Load(target, t + i);
+    hits &= (at == target) & (next - at >= floor);
+    SamplesAt(v, kStep, i, x, y);
+    x = x + V4{} * y;
+    PutFour<kClamp>(out + i, x);
+}
+
+// kStep 1 or 2: four targets a vector, the last vector ending at target n-1 (its lanes before i
+// are checked and written again, to the same bits); fewer than four targets, and kStep 0 (any
+// step), one target at a time.
 template <int kStep, bool kClamp>
 KOR_KERNEL_BODY bool PickOnSamplesBody(const double* s, const double* t, const double* v, int step,
                                        double* out, int n) {
@@ -180,19 +195,16 @@ KOR_KERNEL_BODY bool PickOnSamplesBody(const double* s, const double* t, const d
     bool on = true;
     int i = 0;
     if constexpr (kStep != 0) {
-        const V4 zero{}, vfloor{floor, floor, floor, floor};
-        Mask hits{};
-        hits = ~hits; // all ones
-        V4 at{}, next{}, target{}, x{}, y{};
-        for (; i + 4 <= n; i += 4) {
-            SamplesAt(s, kStep, i, at, next);
-            Load(target, t + i);
-            hits &= (at == target) & (next - at >= vfloor);
-            SamplesAt(v, kStep, i, x, y);
-            x = x + zero * y;
-            PutFour<kClamp>(out + i, x);
+        if (n >= 4) {
+            const V4 vfloor{floor, floor, floor, floor};
+            Mask hits{};
+            hits = ~hits; // all ones
+            for (; i + 4 <= n; i += 4)
+                PickFour<kStep, kClamp>(s, t, v, out, i, vfloor, hits);
+            if (i < n)
+                PickFour<kStep, kClamp>(s, t, v, out, n - 4, vfloor, hits);
+            return AllSet(hits);
         }
-        on = AllSet(hits);
     }
     for (; i < n; ++i) {
         const int j = step * i;
@@ -212,6 +224,41 @@ KOR_KERNEL_BODY bool PickOnSamplesStep(const double* s, const double* t, const d
     return PickOnSamplesBody<0, kClamp>(s, t, v, step, out, n);
 }
 
+// The weights of four targets in pairs, from an even target on (`left` on v[p], `right` on
+// v[p + 1]), and from an odd one on.
+struct PairWeights {
+    V4 width, left, right, oddLeft, oddRight;
+};
+
+// Four targets from i on, in pairs: checked into `hits` and written. From an even i the pairs
+// are (i, i+1) and (i+2, i+3), over v[i .. i+3]; from an odd i target i ends the pair of i-1,
+// and i+3 starts one, over v[i-1 .. i+4].
+template <bool kClamp>
+KOR_KERNEL_BODY void PairsFour(const double* s, const double* t, const double* v, double* out,
+                               int i, const PairWeights& k, Mask& hits) {
+    V4 at{}, next{}, target{}, x{}, y{}, a{}, b{};
+    Load(at, s + i);
+    Load(next, s + i + 1);
+    Load(target, t + i);
+    hits &= (at == target) & (next - at == k.width);
+    if (i % 2 == 0) {
+        Load(x, v + i);
+        a = V4{x[0], x[0], x[2], x[2]};
+        b = V4{x[1], x[1], x[3], x[3]};
+        a = a * k.left + b * k.right;
+    } else {
+        Load(x, v + i - 1);
+        Load(y, v + i + 1);
+        a = V4{x[0], x[2], y[0], y[2]};
+        b = V4{x[1], x[3], y[1], y[3]};
+        a = a * k.oddLeft + b * k.oddRight;
+    }
+    PutFour<kClamp>(out + i, a);
+}
+
+// Four targets a vector, the last vector ending at target n-1 as in PickOnSamplesBody (from an
+// odd target when n is odd, and then v[n] is read, as the last target reads it); fewer than four,
+// one target at a time.
 template <bool kClamp>
 KOR_KERNEL_BODY bool PairsOnSamplesBody(const double* s, const double* t, const double* v,
                                         double* out, int n) {
@@ -220,24 +267,21 @@ KOR_KERNEL_BODY bool PairsOnSamplesBody(const double* s, const double* t, const 
     const double w = s[1] - s[0];
     const double u = w * (1.0 / w);
     const double keep = 1.0 - u;
-    const V4 left{1.0, keep, 1.0, keep}, right{0.0, u, 0.0, u}, vw{w, w, w, w};
-    Mask hits{};
-    hits = ~hits; // all ones
-    V4 at{}, next{}, target{}, x{}, a{}, b{};
-    int i = 0;
-    for (; i + 4 <= n; i += 4) {
-        Load(at, s + i);
-        Load(next, s + i + 1);
-        Load(target, t + i);
-        hits &= (at == target) & (next - at == vw);
-        Load(x, v + i);
-        a = V4{x[0], x[0], x[2], x[2]};
-        b = V4{x[1], x[1], x[3], x[3]};
-        a = a * left + b * right;
-        PutFour<kClamp>(out + i, a);
+    const bool wide = w >= std::numeric_limits<double>::min();
+    if (n >= 4) {
+        const PairWeights k{V4{w, w, w, w}, V4{1.0, keep, 1.0, keep}, V4{0.0, u, 0.0, u},
+                            V4{keep, 1.0, keep, 1.0}, V4{u, 0.0, u, 0.0}};
+        Mask hits{};
+        hits = ~hits; // all ones
+        int i = 0;
+        for (; i + 4 <= n; i += 4)
+            PairsFour<kClamp>(s, t, v, out, i, k, hits);
+        if (i < n)
+            PairsFour<kClamp>(s, t, v, out, n - 4, k, hits);
+        return wide && AllSet(hits);
     }
-    bool on = w >= std::numeric_limits<double>::min() && AllSet(hits);
-    for (; i < n; ++i) {
+    bool on = wide;
+    for (int i = 0; i < n; ++i) {
         const int p = i & ~1;
         on = on && t[i] == s[i] && s[i + 1] - s[i] == w;
         out[i] = Put<kClamp>((i & 1) ? keep * v[p] + u * v[p + 1] : 1.0 * v[p] + 0.0 * v[p + 1]);
