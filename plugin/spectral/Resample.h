@@ -78,6 +78,19 @@ public:
         for (int c = kCarried; c < kTarget; ++c)
             to[c] = 0.0;
     }
+    // Targets lo .. lo+count-1 = source component j (Copy, once, then its doubles again).
+    void Hold(int lo, int count, int j) {
+        if (count <= 0)
+            return;
+        Copy(lo, j);
+        double held[kTarget];
+        double* to = target_ + lo * kTarget;
+        for (int c = 0; c < kTarget; ++c)
+            held[c] = to[c];
+        for (int i = 1; i < count; ++i)
+            for (int c = 0; c < kTarget; ++c)
+                to[i * kTarget + c] = held[c];
+    }
     // Targets lo .. lo+count-1 on source wavelengths s[first], s[first+step], ..., confirmed as
     // they are taken: whether each target equals its sample and the interval from that sample is
     // at least DBL_MIN wide; if so each takes Lerp with u = 0, which is what the walk computes for
@@ -184,7 +197,8 @@ inline int IntervalNear(const TArray<double>& grid, double w, int from) {
     const int m = grid.Count();
     int j = from;
     const int stop = from + 8;
-    while (j + 1 < m && j < stop && s[j + 1] <= w)
+    const int last = stop < m - 1 ? stop : m - 1; // j + 1 < m and j < stop
+    while (j < last && s[j + 1] <= w)
         ++j;
     if (j == stop && j + 1 < m && s[j + 1] <= w)
         j = CountNotAbove(grid, w) - 1;
@@ -298,13 +312,15 @@ int Resample(const TArray<double>& s, const TArray<double>& t, Layout& layout) {
     const double* sv = s.Data();
     const double* tv = t.Data();
     int lo = 0;
-    for (; lo < n && tv[lo] <= sv[0]; ++lo)
-        layout.Copy(lo, 0);
+    while (lo < n && tv[lo] <= sv[0])
+        ++lo;
+    layout.Hold(0, lo, 0);
     if (lo == n)
         return 0;
     int hi = n - 1;
-    for (; hi >= lo && tv[hi] >= sv[m - 1]; --hi)
-        layout.Copy(hi, m - 1);
+    while (hi >= lo && tv[hi] >= sv[m - 1])
+        --hi;
+    layout.Hold(hi + 1, n - 1 - hi, m - 1);
     int first = 0, step = 0;
     if (hi >= lo && LinedUp(s, tv, lo, hi, first, step)) {
         // The interval of t[0], as the walk starts from: the one just found when t[0] is inside
