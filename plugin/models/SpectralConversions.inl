@@ -242,6 +242,17 @@ int SpectralModel<Pol>::ConvertColor(const ColorModel* src, const ILgtColor& fro
     auto& target = ColourAccess::Value<SpectralModel>(to).Distr();
     target.SetBand(0, target.Count() - 1);
     const Source kind = Classify(src);
+    if constexpr (!Pol::kIsPolarized) {
+        // A spectral source into this very class (unpolarized, its own ClampLgtColor, not a
+        // derived class's): that clamps v < 0.0 ? 0.0 : v over the band [0, count - 1] just set,
+        // and a resampling that succeeds writes exactly that, the grid's every wavelength, so the
+        // clamp goes into its writes.
+        if (kind == Source::Spectral && &typeid(*this) == &typeid(SpectralModel<Unpolarized>)) {
+            if (ResampleFrom<true>(*src, from, BSpectralModel::GetWaveLengths(), target) != 0)
+                return Fail<Pol>(kLightResampleFailed);
+            return 0;
+        }
+    }
     Scratch scratch;
     int status = 0;
     if (kind == Source::BW) {
@@ -288,16 +299,6 @@ int SpectralModel<Pol>::ConvertColor(const ColorModel* src, const ILgtColor& fro
                                     kind == Source::XYY ? ColourMath::XYYToXYZ(v) : v,
                                     target.Count(), Comp::kSize, kXYZFailed);
     } else if (kind == Source::Spectral) {
-        if constexpr (!Pol::kIsPolarized) {
-            // This model's own ClampLgtColor (not a derived class's) clamps v < 0.0 ? 0.0 : v over
-            // the band [0, count - 1] that was just set, and a resampling that succeeds writes
-            // exactly that, the grid's every wavelength: the clamp goes into its writes.
-            if (&typeid(*this) == &typeid(SpectralModel<Unpolarized>)) {
-                if (ResampleFrom<true>(*src, from, BSpectralModel::GetWaveLengths(), target) != 0)
-                    return Fail<Pol>(kLightResampleFailed);
-                return 0;
-            }
-        }
         if (ResampleFrom(*src, from, GetWaveLengths(), target) != 0)
             return Fail<Pol>(kLightResampleFailed);
         ClampLgtColor(to);
