@@ -110,10 +110,10 @@ public:
             return on;
         }
     }
-    // The same for targets lo .. lo+count-1 on consecutive samples from `first` on, all of whose
-    // intervals have the width w of the first: taken in pairs over the intervals from `first`
-    // on, the first of a pair at its interval's left end (u = 0), the second at its right end
-    // (u = w (1 / w)).
+    // The same for targets lo .. lo+count-1 on consecutive samples from `first` on, each also
+    // confirmed to start an interval of the first one's width w: taken in pairs over the
+    // intervals from `first` on, the first of a pair at its interval's left end (u = 0), the
+    // second at its right end (u = w (1 / w)).
     bool PairsOnSamples(const double* s, const double* t, int lo, int count, int first) {
         if constexpr (kSource == 1 && kTarget == 1 && !kBanded) {
             return Kernels::PairsOnSamples(s + first, t + lo, source_ + first, target_ + lo, count,
