@@ -149,76 +149,144 @@ KOR_KERNEL_BODY void SamplesAt(const double* p, int step, int i, V4& at, V4& nex
     }
 }
 
-KOR_KERNEL_BODY void PickExactBody(const double* v, int first, int step, double* out, int n) {
-    const double* p = v + first;
-    const V4 zero{};
-    V4 at{}, next{};
-    int i = 0;
-    if (step == 1 || step == 2)
-        for (; i + 4 <= n; i += 4) {
-            SamplesAt(p, step, i, at, next);
-            Store(out + i, at + zero * next);
-        }
-    for (; i < n; ++i)
-        out[i] = p[i * step] + 0.0 * p[i * step + 1];
+// Lanes of a comparison: all ones where it holds.
+using Mask = decltype(V4{} < V4{});
+
+KOR_KERNEL_BODY bool AllSet(const Mask& m) {
+    return (m[0] & m[1] & m[2] & m[3]) != 0;
 }
 
-// One vector of four targets against its samples and their intervals: `hits` keeps all ones in
-// the lanes where every target so far lay on its sample (an interval wide enough), `same` where
-// every interval had the first one's width. No branch per vector.
-template <class Mask>
-KOR_KERNEL_BODY void MatchFour(const V4& at, const V4& next, const double* t, const V4& w0,
-                               const V4& floor, Mask& hits, Mask& same) {
-    V4 target{}, w{};
-    Load(target, t);
-    w = next - at;
-    hits &= (at == target) & (w >= floor);
-    same &= w == w0;
+// x, or x < 0.0 ? 0.0 : x with kClamp.
+template <bool kClamp>
+KOR_KERNEL_BODY double Put(double x) {
+    if constexpr (kClamp)
+        return x < 0.0 ? 0.0 : x;
+    return x;
 }
 
-KOR_KERNEL_BODY bool SamplesMatchBody(const double* s, const double* t, int first, int step, int n,
-                                      double& width) {
-    const double* p = s + first;
-    const double w0 = n > 0 ? p[1] - p[0] : 0.0;
+template <bool kClamp>
+KOR_KERNEL_BODY void PutFour(double* p, V4& x) {
+    if constexpr (kClamp)
+        Clamp(x);
+    Store(p, x);
+}
+
+// Four targets from i on, a step kStep (1 or 2) apart on the samples: checked into `hits` (no
+// branch per vector) and written.
+template <int kStep, bool kClamp>
+KOR_KERNEL_BODY void PickFour(const double* s, const double* t, const double* v, double* out, int i,
+                              const V4& floor, Mask& hits) {
+    V4 at{}, next{}, target{}, x{}, y{};
+    SamplesAt(s, kStep, i, at, next);
+    Load(target, t + i);
+    hits &= (at == target) & (next - at >= floor);
+    SamplesAt(v, kStep, i, x, y);
+    x = x + V4{} * y;
+    PutFour<kClamp>(out + i, x);
+}
+
+// kStep 1 or 2: four targets a vector, the last vector ending at target n-1 (its lanes before i
+// are checked and written again, to the same bits); fewer than four targets, and kStep 0 (any
+// step), one target at a time.
+template <int kStep, bool kClamp>
+KOR_KERNEL_BODY bool PickOnSamplesBody(const double* s, const double* t, const double* v, int step,
+                                       double* out, int n) {
     const double floor = std::numeric_limits<double>::min();
-    const V4 vw0{w0, w0, w0, w0}, vfloor{floor, floor, floor, floor};
-    auto hits = vw0 == vw0; // all ones (w0 is finite: a difference of samples)
-    hits = hits | ~hits;
-    auto same = hits;
-    V4 at{}, next{};
+    bool on = true;
     int i = 0;
-    if (step == 1 || step == 2)
-        for (; i + 4 <= n; i += 4) {
-            SamplesAt(p, step, i, at, next);
-            MatchFour(at, next, t + i, vw0, vfloor, hits, same);
+    if constexpr (kStep != 0) {
+        if (n >= 4) {
+            const V4 vfloor{floor, floor, floor, floor};
+            Mask hits{};
+            hits = ~hits; // all ones
+            for (; i + 4 <= n; i += 4)
+                PickFour<kStep, kClamp>(s, t, v, out, i, vfloor, hits);
+            if (i < n)
+                PickFour<kStep, kClamp>(s, t, v, out, n - 4, vfloor, hits);
+            return AllSet(hits);
         }
-    bool on = hits[0] && hits[1] && hits[2] && hits[3];
-    bool one = same[0] && same[1] && same[2] && same[3];
-    for (; i < n && on; ++i) {
-        const double* q = p + step * i;
-        const double wi = q[1] - q[0];
-        on = q[0] == t[i] && wi >= floor;
-        one = one && wi == w0;
     }
-    width = one ? w0 : std::numeric_limits<double>::quiet_NaN();
+    for (; i < n; ++i) {
+        const int j = step * i;
+        on = on && t[i] == s[j] && s[j + 1] - s[j] >= floor;
+        out[i] = Put<kClamp>(v[j] + 0.0 * v[j + 1]);
+    }
     return on;
 }
 
-KOR_KERNEL_BODY void LerpPairsBody(const double* v, double u, double* out, int n) {
-    const double keep = 1.0 - u;
-    const V4 left = V4{1.0, keep, 1.0, keep}, right = V4{0.0, u, 0.0, u};
-    V4 x{}, a{}, b{};
-    int i = 0;
-    for (; i + 4 <= n; i += 4) {
+template <bool kClamp>
+KOR_KERNEL_BODY bool PickOnSamplesStep(const double* s, const double* t, const double* v, int step,
+                                       double* out, int n) {
+    if (step == 2)
+        return PickOnSamplesBody<2, kClamp>(s, t, v, 2, out, n);
+    if (step == 1)
+        return PickOnSamplesBody<1, kClamp>(s, t, v, 1, out, n);
+    return PickOnSamplesBody<0, kClamp>(s, t, v, step, out, n);
+}
+
+// The weights of four targets in pairs, from an even target on (`left` on v[p], `right` on
+// v[p + 1]), and from an odd one on.
+struct PairWeights {
+    V4 width, left, right, oddLeft, oddRight;
+};
+
+// Four targets from i on, in pairs: checked into `hits` and written. From an even i the pairs
+// are (i, i+1) and (i+2, i+3), over v[i .. i+3]; from an odd i target i ends the pair of i-1,
+// and i+3 starts one, over v[i-1 .. i+4].
+template <bool kClamp>
+KOR_KERNEL_BODY void PairsFour(const double* s, const double* t, const double* v, double* out,
+                               int i, const PairWeights& k, Mask& hits) {
+    V4 at{}, next{}, target{}, x{}, y{}, a{}, b{};
+    Load(at, s + i);
+    Load(next, s + i + 1);
+    Load(target, t + i);
+    hits &= (at == target) & (next - at == k.width);
+    if (i % 2 == 0) {
         Load(x, v + i);
         a = V4{x[0], x[0], x[2], x[2]};
         b = V4{x[1], x[1], x[3], x[3]};
-        Store(out + i, a * left + b * right);
+        a = a * k.left + b * k.right;
+    } else {
+        Load(x, v + i - 1);
+        Load(y, v + i + 1);
+        a = V4{x[0], x[2], y[0], y[2]};
+        b = V4{x[1], x[3], y[1], y[3]};
+        a = a * k.oddLeft + b * k.oddRight;
     }
-    for (; i < n; ++i) {
+    PutFour<kClamp>(out + i, a);
+}
+
+// Four targets a vector, the last vector ending at target n-1 as in PickOnSamplesBody (from an
+// odd target when n is odd, and then v[n] is read, as the last target reads it); fewer than four,
+// one target at a time.
+template <bool kClamp>
+KOR_KERNEL_BODY bool PairsOnSamplesBody(const double* s, const double* t, const double* v,
+                                        double* out, int n) {
+    if (n <= 0)
+        return true;
+    const double w = s[1] - s[0];
+    const double u = w * (1.0 / w);
+    const double keep = 1.0 - u;
+    const bool wide = w >= std::numeric_limits<double>::min();
+    if (n >= 4) {
+        const PairWeights k{V4{w, w, w, w}, V4{1.0, keep, 1.0, keep}, V4{0.0, u, 0.0, u},
+                            V4{keep, 1.0, keep, 1.0}, V4{u, 0.0, u, 0.0}};
+        Mask hits{};
+        hits = ~hits; // all ones
+        int i = 0;
+        for (; i + 4 <= n; i += 4)
+            PairsFour<kClamp>(s, t, v, out, i, k, hits);
+        if (i < n)
+            PairsFour<kClamp>(s, t, v, out, n - 4, k, hits);
+        return wide && AllSet(hits);
+    }
+    bool on = wide;
+    for (int i = 0; i < n; ++i) {
         const int p = i & ~1;
-        out[i] = (i & 1) ? keep * v[p] + u * v[p + 1] : 1.0 * v[p] + 0.0 * v[p + 1];
+        on = on && t[i] == s[i] && s[i + 1] - s[i] == w;
+        out[i] = Put<kClamp>((i & 1) ? keep * v[p] + u * v[p + 1] : 1.0 * v[p] + 0.0 * v[p + 1]);
     }
+    return on;
 }
 
 // The kernels of one body.
@@ -229,9 +297,8 @@ struct Table {
     void (*sumRows4)(const double*, int, const double*, int, double*);
     void (*sumRows3)(const double*, int, const double*, int, double*);
     void (*scale)(double*, int, const double*, int);
-    void (*pickExact)(const double*, int, int, double*, int);
-    bool (*samplesMatch)(const double*, const double*, int, int, int, double&);
-    void (*lerpPairs)(const double*, double, double*, int);
+    bool (*pickOnSamples)(const double*, const double*, const double*, int, double*, int, bool);
+    bool (*pairsOnSamples)(const double*, const double*, const double*, double*, int, bool);
 };
 
 namespace baseline {
@@ -251,17 +318,17 @@ void SumRows3(const double* s, int stride, const double* rows, int n, double* ou
 void Scale(double* v, int stride, const double* w, int n) {
     ScaleBody(v, stride, w, n);
 }
-void PickExact(const double* v, int first, int step, double* out, int n) {
-    PickExactBody(v, first, step, out, n);
+bool PickOnSamples(const double* s, const double* t, const double* v, int step, double* out, int n,
+                   bool clamp) {
+    return clamp ? PickOnSamplesStep<true>(s, t, v, step, out, n)
+                 : PickOnSamplesStep<false>(s, t, v, step, out, n);
 }
-bool SamplesMatch(const double* s, const double* t, int first, int step, int n, double& width) {
-    return SamplesMatchBody(s, t, first, step, n, width);
+bool PairsOnSamples(const double* s, const double* t, const double* v, double* out, int n,
+                    bool clamp) {
+    return clamp ? PairsOnSamplesBody<true>(s, t, v, out, n)
+                 : PairsOnSamplesBody<false>(s, t, v, out, n);
 }
-void LerpPairs(const double* v, double u, double* out, int n) {
-    LerpPairsBody(v, u, out, n);
-}
-constexpr Table kTable{Combine3, Clamp,     SumRows4,     SumRows3,
-                       Scale,    PickExact, SamplesMatch, LerpPairs};
+constexpr Table kTable{Combine3, Clamp, SumRows4, SumRows3, Scale, PickOnSamples, PairsOnSamples};
 } // namespace baseline
 
 #if KOR_KERNELS_AVX2
@@ -283,19 +350,18 @@ KOR_AVX2 void SumRows3(const double* s, int stride, const double* rows, int n, d
 KOR_AVX2 void Scale(double* v, int stride, const double* w, int n) {
     ScaleBody(v, stride, w, n);
 }
-KOR_AVX2 void PickExact(const double* v, int first, int step, double* out, int n) {
-    PickExactBody(v, first, step, out, n);
+KOR_AVX2 bool PickOnSamples(const double* s, const double* t, const double* v, int step,
+                            double* out, int n, bool clamp) {
+    return clamp ? PickOnSamplesStep<true>(s, t, v, step, out, n)
+                 : PickOnSamplesStep<false>(s, t, v, step, out, n);
 }
-KOR_AVX2 bool SamplesMatch(const double* s, const double* t, int first, int step, int n,
-                           double& width) {
-    return SamplesMatchBody(s, t, first, step, n, width);
-}
-KOR_AVX2 void LerpPairs(const double* v, double u, double* out, int n) {
-    LerpPairsBody(v, u, out, n);
+KOR_AVX2 bool PairsOnSamples(const double* s, const double* t, const double* v, double* out, int n,
+                             bool clamp) {
+    return clamp ? PairsOnSamplesBody<true>(s, t, v, out, n)
+                 : PairsOnSamplesBody<false>(s, t, v, out, n);
 }
 #undef KOR_AVX2
-constexpr Table kTable{Combine3, Clamp,     SumRows4,     SumRows3,
-                       Scale,    PickExact, SamplesMatch, LerpPairs};
+constexpr Table kTable{Combine3, Clamp, SumRows4, SumRows3, Scale, PickOnSamples, PairsOnSamples};
 } // namespace avx2
 #endif
 
@@ -352,16 +418,14 @@ void Scale(double* v, int stride, const double* w, int n) {
     Body().scale(v, stride, w, n);
 }
 
-void PickExact(const double* v, int first, int step, double* out, int n) {
-    Body().pickExact(v, first, step, out, n);
+bool PickOnSamples(const double* s, const double* t, const double* v, int step, double* out, int n,
+                   bool clamp) {
+    return Body().pickOnSamples(s, t, v, step, out, n, clamp);
 }
 
-bool SamplesMatch(const double* s, const double* t, int first, int step, int n, double& width) {
-    return Body().samplesMatch(s, t, first, step, n, width);
-}
-
-void LerpPairs(const double* v, double u, double* out, int n) {
-    Body().lerpPairs(v, u, out, n);
+bool PairsOnSamples(const double* s, const double* t, const double* v, double* out, int n,
+                    bool clamp) {
+    return Body().pairsOnSamples(s, t, v, out, n, clamp);
 }
 
 Isa Active() {

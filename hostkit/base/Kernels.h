@@ -35,23 +35,22 @@ KOR_HOST_API void SumRows3(const double* s, int stride, const double* rows, int 
 // of its component (stride 1: plain values, 4: Stokes vectors).
 KOR_HOST_API void Scale(double* v, int stride, const double* w, int n);
 
-// out[i] = v[j] + 0.0 * v[j + 1] with j = first + step * i: linear interpolation at targets that
-// fall exactly on source sample j, where the weights are 1 and 0 (written without the 1.0 *,
-// which changes no bit). `out` may not overlap `v`.
-KOR_HOST_API void PickExact(const double* v, int first, int step, double* out, int n);
+// Targets on source samples `step` apart, confirmed while they are taken: whether t[i] == s[j]
+// and s[j + 1] - s[j] >= DBL_MIN (an interval whose reciprocal width is finite) for every i < n,
+// j = step * i, writing out[i] = v[j] + 0.0 * v[j + 1] (linear interpolation at u = 0, without
+// the 1.0 *, which changes no bit) and, when `clamp`, that value as ClampNegatives leaves it.
+// s and v start at the first target's sample. When false, out[0 .. n-1] holds no particular
+// values; nothing past it is written. `out` may not overlap the inputs.
+KOR_HOST_API bool PickOnSamples(const double* s, const double* t, const double* v, int step,
+                                double* out, int n, bool clamp);
 
-// Whether t[i] == s[j] and s[j + 1] - s[j] >= DBL_MIN for every i < n, j = first + step * i:
-// targets that lie on source samples `step` apart, each sample starting an interval whose
-// reciprocal width is finite. When they do, `width` is the width of the first such interval if
-// every one has that width bit for bit, else NaN.
-KOR_HOST_API bool SamplesMatch(const double* s, const double* t, int first, int step, int n,
-                               double& width);
-
-// Linear interpolation in pairs of targets over one interval each, target 2p at the left end of
-// interval [v[2p], v[2p+1]] (weights 1 and 0) and target 2p+1 at its right end with weight u on
-// the right: out[i] = (1 - U) v[2p] + U v[2p+1], U = 0 for even i and u for odd i, p = i / 2.
-// `out` may not overlap `v`; v is read up to index n (n odd) or n - 1.
-KOR_HOST_API void LerpPairs(const double* v, double u, double* out, int n);
+// The same for targets on consecutive samples, taken in pairs over one interval each: whether
+// t[i] == s[i] and s[i + 1] - s[i] == w for every i < n, w = s[1] - s[0] >= DBL_MIN, writing
+// out[i] = (1 - U) v[p] + U v[p + 1], p = i & ~1, U = 0 for even i (the left end of interval p)
+// and u = w * (1 / w) for odd i (its right end), clamped as above when `clamp`. s is read up to
+// index n, v up to n (n odd) or n - 1; when false, out[0 .. n-1] holds no particular values.
+KOR_HOST_API bool PairsOnSamples(const double* s, const double* t, const double* v, double* out,
+                                 int n, bool clamp);
 
 // The bodies a processor can run.
 enum class Isa { Baseline, Avx2 };

@@ -24,6 +24,8 @@
 #include "plugin/models/SourceKind.h"
 #include "plugin/spectral/Resample.h"
 
+#include <typeinfo>
+
 namespace Korvane {
 namespace SpectralConversion {
 
@@ -115,26 +117,26 @@ Band BandOf(const SpctrlColourDistr<Comp>& d) {
 }
 
 // Resamples distribution `from` over grid `s` onto distribution `to` over grid `t`, component
-// layouts as SpectrumLayout carries them. 0 or -1.
-template <class From, class To>
+// layouts as SpectrumLayout carries them, negatives written as 0 with kClamp. 0 or -1.
+template <bool kClamp, class From, class To>
 int ResampleDistr(const MArray<double>& s, const From& from, const MArray<double>& t, To& to) {
     const Band band = BandOf(from);
-    SpectrumLayout<From::Component::kSize, To::Component::kSize> layout(
+    SpectrumLayout<From::Component::kSize, To::Component::kSize, true, kClamp> layout(
         from.Values(), from.Count(), band.first, band.last, to.Values(), to.Count());
     return ResampleSpectrum(s, t, layout);
 }
 
 // The same for colour `from` (light or surface) of the spectral model `src`, of either
 // polarization, over that model's grid.
-template <class I, class To>
+template <bool kClamp = false, class I, class To>
 int ResampleFrom(const ColorModel& src, const I& from, const MArray<double>& t, To& to) {
     const SpectralSource source = SourceOf(src);
     if (source.polarized)
-        return ResampleDistr(*source.waves,
-                             ColourAccess::Value<SpectralModel<StokesPolarization>>(from).Distr(),
-                             t, to);
-    return ResampleDistr(*source.waves,
-                         ColourAccess::Value<SpectralModel<Unpolarized>>(from).Distr(), t, to);
+        return ResampleDistr<kClamp>(
+            *source.waves, ColourAccess::Value<SpectralModel<StokesPolarization>>(from).Distr(), t,
+            to);
+    return ResampleDistr<kClamp>(
+        *source.waves, ColourAccess::Value<SpectralModel<Unpolarized>>(from).Distr(), t, to);
 }
 
 // What the host's converter reconstructs over a grid.
@@ -261,6 +263,17 @@ int SpectralModel<Pol>::ConvertLight(const ColorModel* src, const ILgtColor& fro
     auto& target = ColourAccess::Value<SpectralModel>(to).Distr();
     target.SetBand(0, target.Count() - 1);
     const Source kind = Classify(src);
+    if constexpr (!Pol::kIsPolarized) {
+        // A spectral source into this very class (unpolarized, its own ClampLgtColor, not a
+        // derived class's): that clamps v < 0.0 ? 0.0 : v over the band [0, count - 1] just set,
+        // and a resampling that succeeds writes exactly that, the grid's every wavelength, so the
+        // clamp goes into its writes.
+        if (kind == Source::Spectral && &typeid(*this) == &typeid(SpectralModel<Unpolarized>)) {
+            if (ResampleFrom<true>(*src, from, BSpectralModel::GetWaveLengths(), target) != 0)
+                return Fail<Pol>(kLightResampleFailed);
+            return 0;
+        }
+    }
     Scratch scratch;
     int status = 0;
     if (kind == Source::BW) {

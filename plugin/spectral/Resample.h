@@ -9,9 +9,10 @@
 // its reciprocal width, and finds a new interval (a guess that grids which line up confirm, else a
 // few steps, else bisection) only when a target wavelength passes the interval's right end; equal
 // grids are copied bit for bit; targets that all fall on source samples a fixed number of steps
-// apart (grids that line up) skip the walk and take the samples (OnSamples). Whatever way an
-// interval is found, it is the one bisection
-// finds, so every value is (1 - u) v[j] + u v[j+1] with u = (t - s[j]) * (1 / (s[j+1] - s[j])). It
+// apart (grids that line up) skip the walk and take the samples, confirming each as it is taken
+// (WalkOnSamples; the walk runs after all, writing every target anew, when one is off its sample).
+// Whatever way an interval is found, it is the one bisection finds, so every value is
+// (1 - u) v[j] + u v[j+1] with u = (t - s[j]) * (1 / (s[j+1] - s[j])). It
 // reads and writes colour components through a layout (SpectrumLayout), so the one walk serves
 // plain values, Stokes vectors and Mueller matrices. ResampleValues is the plain-array form: one
 // bisection per target wavelength and a division per value; it gives the same values up to the
@@ -47,9 +48,13 @@ inline int CountNotAbove(const TArray<double>& s, double w) {
 // 0. Source components outside the band [first, last] read as zero, as a banded light
 // distribution does; pass [0, count - 1] for a source without a band. The target is written
 // directly, index 0 to its count - 1. kBanded = false is the same layout for a band that covers
-// the whole source (ResampleSpectrum picks it by itself): no band test per read.
-template <int kSource, int kTarget, bool kBanded = true>
+// the whole source (ResampleSpectrum picks it by itself): no band test per read. kClamp (plain
+// values only) writes every value v as v < 0.0 ? 0.0 : v (a NaN and -0.0 kept): the resampling
+// followed by the clamp of a light's negatives, in one pass.
+template <int kSource, int kTarget, bool kBanded = true, bool kClamp = false>
 class SpectrumLayout {
+    static_assert(!kClamp || kTarget == 1, "only plain target values are clamped");
+
 public:
     SpectrumLayout(const double* source, int sourceCount, int first, int last, double* target,
                    int targetCount)
@@ -60,7 +65,7 @@ public:
     int TargetCount() const { return targetCount_; }
     // Whether every source component lies inside the band.
     bool CoversSource() const { return first_ <= 0 && last_ >= sourceCount_ - 1; }
-    SpectrumLayout<kSource, kTarget, false> Unbanded() const {
+    SpectrumLayout<kSource, kTarget, false, kClamp> Unbanded() const {
         return {source_, sourceCount_, 0, sourceCount_ - 1, target_, targetCount_};
     }
 
@@ -69,28 +74,60 @@ public:
         double* to = target_ + i * kTarget;
         const double* from = Source(j);
         for (int c = 0; c < kCarried; ++c)
-            to[c] = from ? from[c] : 0.0;
+            to[c] = Put(from ? from[c] : 0.0);
         for (int c = kCarried; c < kTarget; ++c)
             to[c] = 0.0;
     }
-    // Targets lo .. lo+count-1 on source samples first, first+step, ...: Lerp with u = 0, which
-    // is what the walk computes for a target found anew on its interval's left end.
-    void LerpOnSamples(int lo, int count, int first, int step) {
+    // Targets lo .. lo+count-1 = source component j (Copy, once, then its doubles again).
+    void Hold(int lo, int count, int j) {
+        if (count <= 0)
+            return;
+        Copy(lo, j);
+        double held[kTarget];
+        double* to = target_ + lo * kTarget;
+        for (int c = 0; c < kTarget; ++c)
+            held[c] = to[c];
+        for (int i = 1; i < count; ++i)
+            for (int c = 0; c < kTarget; ++c)
+                to[i * kTarget + c] = held[c];
+    }
+    // Targets lo .. lo+count-1 on source wavelengths s[first], s[first+step], ..., confirmed as
+    // they are taken: whether each target equals its sample and the interval from that sample is
+    // at least DBL_MIN wide; if so each takes Lerp with u = 0, which is what the walk computes for
+    // a target found anew on its interval's left end. When not, the targets hold no particular
+    // values (nothing else is written).
+    bool PickOnSamples(const double* s, const double* t, int lo, int count, int first, int step) {
         if constexpr (kSource == 1 && kTarget == 1 && !kBanded) {
-            Kernels::PickExact(source_, first, step, target_ + lo, count);
+            return Kernels::PickOnSamples(s + first, t + lo, source_ + first, step, target_ + lo,
+                                          count, kClamp);
         } else {
-            for (int i = 0; i < count; ++i)
-                Lerp(lo + i, first + step * i, 0.0);
+            bool on = true;
+            for (int i = 0; i < count && on; ++i) {
+                const int j = first + step * i;
+                on = t[lo + i] == s[j] && s[j + 1] - s[j] >= std::numeric_limits<double>::min();
+                Lerp(lo + i, j, 0.0);
+            }
+            return on;
         }
     }
-    // Targets lo .. lo+count-1 in pairs over the intervals from source sample `first` on: the
-    // first of a pair at its interval's left end (u = 0), the second at its right end (u).
-    void LerpPairs(int lo, int count, int first, double u) {
+    // The same for targets lo .. lo+count-1 on consecutive samples from `first` on, each also
+    // confirmed to start an interval of the first one's width w: taken in pairs over the
+    // intervals from `first` on, the first of a pair at its interval's left end (u = 0), the
+    // second at its right end (u = w (1 / w)).
+    bool PairsOnSamples(const double* s, const double* t, int lo, int count, int first) {
         if constexpr (kSource == 1 && kTarget == 1 && !kBanded) {
-            Kernels::LerpPairs(source_ + first, u, target_ + lo, count);
+            return Kernels::PairsOnSamples(s + first, t + lo, source_ + first, target_ + lo, count,
+                                           kClamp);
         } else {
-            for (int i = 0; i < count; ++i)
+            const double w = s[first + 1] - s[first];
+            const double u = w * (1.0 / w);
+            bool on = w >= std::numeric_limits<double>::min();
+            for (int i = 0; i < count && on; ++i) {
+                const int j = first + i;
+                on = t[lo + i] == s[j] && s[j + 1] - s[j] == w;
                 Lerp(lo + i, first + (i & ~1), (i & 1) ? u : 0.0);
+            }
+            return on;
         }
     }
     // Target component i = (1 - u) source j + u source j+1.
@@ -101,10 +138,10 @@ public:
         const double w = 1.0 - u;
         if constexpr (kBanded) {
             for (int c = 0; c < kCarried; ++c)
-                to[c] = w * (a ? a[c] : 0.0) + u * (b ? b[c] : 0.0);
+                to[c] = Put(w * (a ? a[c] : 0.0) + u * (b ? b[c] : 0.0));
         } else {
             for (int c = 0; c < kCarried; ++c)
-                to[c] = w * a[c] + u * b[c];
+                to[c] = Put(w * a[c] + u * b[c]);
         }
         for (int c = kCarried; c < kTarget; ++c)
             to[c] = 0.0;
@@ -112,6 +149,12 @@ public:
 
 private:
     static constexpr int kCarried = kSource == kTarget ? kTarget : 1;
+
+    static double Put(double v) {
+        if constexpr (kClamp)
+            return v < 0.0 ? 0.0 : v;
+        return v;
+    }
 
     const double* Source(int j) const {
         if constexpr (kBanded)
@@ -154,7 +197,8 @@ inline int IntervalNear(const TArray<double>& grid, double w, int from) {
     const int m = grid.Count();
     int j = from;
     const int stop = from + 8;
-    while (j + 1 < m && j < stop && s[j + 1] <= w)
+    const int last = stop < m - 1 ? stop : m - 1; // j + 1 < m and j < stop
+    while (j < last && s[j + 1] <= w)
         ++j;
     if (j == stop && j + 1 < m && s[j + 1] <= w)
         j = CountNotAbove(grid, w) - 1;
@@ -206,63 +250,45 @@ int Walk(const double* s, int m, const double* t, int lo, int hi, const TArray<d
     return 0;
 }
 
-// Whether the targets lo..hi (strictly inside the source range) lie exactly on source samples
-// `step` apart, target lo on sample `first`: grids of one step whose points line up, or a target
-// step a whole multiple of the source's. Every interval that starts on such a sample is at least
-// DBL_MIN wide, so that its reciprocal is finite and 0 times it is 0, as in the walk. The first
-// two targets' intervals give `first` and `step`, then one comparison per target confirms them
-// (Kernels::SamplesMatch, which also tells whether those intervals are all of one `width`). Like
-// the walk's guesses, this gives the bisection's intervals on a source grid that ascends, as
-// every model's grid does.
-inline bool OnSamples(const TArray<double>& grid, const double* t, int lo, int hi, int& first,
-                      int& step, double& width) {
-    const double* s = grid.Data();
+// Where the targets lo..hi (strictly inside the source range) would lie if they lay on source
+// samples a fixed number of steps apart, as the first two targets' intervals tell: target lo on
+// sample `first`, the others `step` samples apart (0 for a single target). False when that is off
+// the source, or possible only on a grid that does not ascend; whether the targets really lie
+// there is left to WalkOnSamples, which confirms it as it takes them.
+inline bool LinedUp(const TArray<double>& grid, const double* t, int lo, int hi, int& first,
+                    int& step) {
     const int m = grid.Count();
     first = IntervalNear(grid, t[lo], -1);
     step = hi > lo ? IntervalNear(grid, t[lo + 1], first) - first : 0;
-    if (first < 0 || (hi > lo && step < 1) || first + step * (hi - lo) > m - 2)
-        return false; // off the source, or only on a grid that does not ascend
-    return Kernels::SamplesMatch(s, t + lo, first, step, hi - lo + 1, width);
+    return first >= 0 && (hi == lo || step >= 1) && first + step * (hi - lo) <= m - 2;
 }
 
-// The walk over targets that lie on source samples (OnSamples), without its searches. A target
-// found anew sits at the left end of its interval: u = 0, the value (1 - 0) v[k] + 0 v[k+1]. But
-// the walk keeps an interval while a target does not pass its right end, so a target equal to
-// that right end stays, with u = w (1 / w) (1, or just below): the first target when the walk's
-// starting interval `j0` (the one of t[0]) ends on it, and on grids of one step every target
-// after one found anew. The reciprocal width is computed when the width changes, as in the walk.
+// The walk over targets that lie on source samples, without its searches, or false when they do
+// not. A target found anew sits at the left end of its interval: u = 0, the value
+// (1 - 0) v[k] + 0 v[k+1]. But the walk keeps an interval while a target does not pass its right
+// end, so a target equal to that right end stays, with u = w (1 / w) (1, or just below): the
+// first target when the walk's starting interval `j0` (the one of t[0]) ends on it, and on grids
+// of one step every target after one found anew. Each target is confirmed to lie on its sample,
+// with an interval from it at least DBL_MIN wide (so that its reciprocal is finite and 0 times it
+// is 0, as in the walk), as it is written; on grids of one step every such interval must also have
+// the first one's width (one u serves them all). Like the walk's guesses, this gives the
+// bisection's intervals on a source grid that ascends, as every model's grid does. When false,
+// the targets lo..hi hold no particular values, and nothing else has been written.
 template <class Layout>
-void WalkOnSamples(const double* s, const double* t, int j0, int lo, int hi, int first, int step,
-                   double width, Layout& layout) {
-    double lastWidth = std::numeric_limits<double>::quiet_NaN(); // equal to no width
-    double reciprocalWidth = 0.0;
-    const auto stay = [&](int i, int j) {
-        const double w = s[j + 1] - s[j];
-        if (!(w == lastWidth)) {
-            lastWidth = w;
-            reciprocalWidth = 1.0 / lastWidth;
-        }
-        layout.Lerp(i, j, (t[i] - s[j]) * reciprocalWidth);
-    };
+bool WalkOnSamples(const double* s, const double* t, int j0, int lo, int hi, int first, int step,
+                   Layout& layout) {
     int i = lo;
-    if (j0 >= 0 && j0 + 1 == first)
-        stay(i++, j0);
+    if (j0 >= 0 && j0 + 1 == first) {
+        if (!(t[lo] == s[first] && s[first + 1] - s[first] >= std::numeric_limits<double>::min()))
+            return false;
+        layout.Lerp(i++, j0, (t[lo] - s[j0]) * (1.0 / (s[first] - s[j0])));
+    }
     if (i > hi)
-        return;
-    if (step > 1) {
-        layout.LerpOnSamples(i, hi - i + 1, first + step * (i - lo), step);
-        return;
-    }
-    if (width == width) { // one width: every right-end target has u = width * (1 / width)
-        layout.LerpPairs(i, hi - i + 1, first + (i - lo), width * (1.0 / width));
-        return;
-    }
-    for (; i <= hi; i += 2) {
-        const int k = first + (i - lo);
-        layout.Lerp(i, k, 0.0);
-        if (i + 1 <= hi)
-            stay(i + 1, k);
-    }
+        return true;
+    const int from = first + step * (i - lo);
+    if (step > 1)
+        return layout.PickOnSamples(s, t, i, hi - i + 1, from, step);
+    return layout.PairsOnSamples(s, t, i, hi - i + 1, from);
 }
 
 template <class Layout>
@@ -286,20 +312,24 @@ int Resample(const TArray<double>& s, const TArray<double>& t, Layout& layout) {
     const double* sv = s.Data();
     const double* tv = t.Data();
     int lo = 0;
-    for (; lo < n && tv[lo] <= sv[0]; ++lo)
-        layout.Copy(lo, 0);
+    while (lo < n && tv[lo] <= sv[0])
+        ++lo;
+    layout.Hold(0, lo, 0);
     if (lo == n)
         return 0;
     int hi = n - 1;
-    for (; hi >= lo && tv[hi] >= sv[m - 1]; --hi)
-        layout.Copy(hi, m - 1);
+    while (hi >= lo && tv[hi] >= sv[m - 1])
+        --hi;
+    layout.Hold(hi + 1, n - 1 - hi, m - 1);
     int first = 0, step = 0;
-    double width = 0.0;
-    if (hi >= lo && OnSamples(s, tv, lo, hi, first, step, width)) {
-        WalkOnSamples(sv, tv, IntervalNear(s, tv[0], -1), lo, hi, first, step, width, layout);
-        return 0;
+    if (hi >= lo && LinedUp(s, tv, lo, hi, first, step)) {
+        // The interval of t[0], as the walk starts from: the one just found when t[0] is inside
+        // the source, none (-1) below it; at s[0], as many samples as equal it, less one.
+        const int j0 = lo == 0 ? first : tv[0] < sv[0] ? -1 : IntervalNear(s, tv[0], -1);
+        if (WalkOnSamples(sv, tv, j0, lo, hi, first, step, layout))
+            return 0;
     }
-    return Walk(sv, m, tv, lo, hi, s, layout);
+    return Walk(sv, m, tv, lo, hi, s, layout); // writes every target lo..hi anew
 }
 
 } // namespace ResampleDetail

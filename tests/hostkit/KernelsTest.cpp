@@ -76,6 +76,10 @@ void OnEveryBody(Check check) {
 
 constexpr int kMaxLength = 37; // past eight vectors of four, and every tail length
 
+double Clamped(double x, bool clamp) {
+    return clamp && x < 0.0 ? 0.0 : x;
+}
+
 } // namespace
 
 TEST(Kernels, TheLibraryRunsTheWidestBodyTheProcessorOffers) {
@@ -145,77 +149,88 @@ TEST(Kernels, SumsAddTheirTermsInIndexOrder) {
     });
 }
 
-TEST(Kernels, PickExactTakesTheSampleAndZeroTimesItsNeighbour) {
+TEST(Kernels, PickOnSamplesTakesTheSamplesAndRefusesATargetOffItsSample) {
     // v + 0.0 * next is not v when next is infinite or NaN, or when v is -0.0.
     std::mt19937 rng(13);
-    OnEveryBody([&rng] {
+    Values s;
+    for (int k = 0; k < 3 * kMaxLength + 2; ++k)
+        s.push_back(380.0 + 5.0 * k);
+    OnEveryBody([&] {
         for (int n = 0; n <= kMaxLength; ++n) {
             for (const int step : {1, 2, 3}) {
-                const int first = n % 3;
-                const Values v = Awkward(rng, static_cast<std::size_t>(first + step * n + 1));
-                Values got(static_cast<std::size_t>(n)), want(got.size());
-                Kernels::PickExact(v.data(), first, step, got.data(), n);
+                const bool clamp = (n + step) % 2 == 0;
+                const auto un = static_cast<std::size_t>(n);
+                const Values v = Awkward(rng, static_cast<std::size_t>(step * n + 1));
+                Values t, got(un + 1, 7.0), want(un + 1, 7.0); // one past the end: never written
                 for (int i = 0; i < n; ++i) {
-                    const auto j = static_cast<std::size_t>(first + step * i);
-                    want[static_cast<std::size_t>(i)] = 1.0 * v[j] + 0.0 * v[j + 1];
+                    const auto j = static_cast<std::size_t>(step * i);
+                    t.push_back(s[j]);
+                    want[static_cast<std::size_t>(i)] = Clamped(1.0 * v[j] + 0.0 * v[j + 1], clamp);
                 }
-                EXPECT_TRUE(SameBits(got.data(), want.data(), got.size()))
+                EXPECT_TRUE(Kernels::PickOnSamples(s.data(), t.data(), v.data(), step, got.data(),
+                                                   n, clamp));
+                EXPECT_TRUE(SameBits(got.data(), want.data(), un + 1))
                     << "step " << step << ", n = " << n;
+                for (std::size_t off = 0; off < un; ++off) { // every lane and tail position
+                    Values moved = t, narrow = s;
+                    moved[off] = std::nextafter(moved[off], 1e9);
+                    narrow[static_cast<std::size_t>(step) * off + 1] = t[off]; // width 0
+                    EXPECT_FALSE(Kernels::PickOnSamples(s.data(), moved.data(), v.data(), step,
+                                                        got.data(), n, clamp))
+                        << "step " << step << ", n = " << n << ", off at " << off;
+                    EXPECT_FALSE(Kernels::PickOnSamples(narrow.data(), t.data(), v.data(), step,
+                                                        got.data(), n, clamp))
+                        << "step " << step << ", n = " << n << ", narrow at " << off;
+                    EXPECT_EQ(got[un], 7.0);
+                }
             }
         }
     });
 }
 
-TEST(Kernels, LerpPairsWeighsEachPairOverItsOwnInterval) {
+TEST(Kernels, PairsOnSamplesWeighsEachPairOverItsIntervalAndRefusesAnotherWidth) {
+    // A width of 49 nm: 49 (1 / 49) is just below 1, so both weights of a right end count.
     std::mt19937 rng(14);
-    OnEveryBody([&rng] {
+    Values s;
+    for (int k = 0; k <= kMaxLength; ++k)
+        s.push_back(380.0 + 49.0 * k);
+    const double u = 49.0 * (1.0 / 49.0);
+    ASSERT_LT(u, 1.0);
+    OnEveryBody([&] {
         for (int n = 0; n <= kMaxLength; ++n) {
-            const Values v = Awkward(rng, static_cast<std::size_t>(n + 1));
-            const double u = 10.0 * (1.0 / 10.0) - (n % 2 ? 0x1p-53 : 0.0);
-            Values got(static_cast<std::size_t>(n)), want(got.size());
-            Kernels::LerpPairs(v.data(), u, got.data(), n);
+            const bool clamp = n % 2 == 0;
+            const auto un = static_cast<std::size_t>(n);
+            const Values v = Awkward(rng, un + 1);
+            const Values t(s.begin(), s.begin() + n);
+            Values got(un + 1, 7.0), want(un + 1, 7.0);
             for (int i = 0; i < n; ++i) {
                 const double w = (i & 1) ? u : 0.0;
                 const auto p = static_cast<std::size_t>(i & ~1);
-                want[static_cast<std::size_t>(i)] = (1.0 - w) * v[p] + w * v[p + 1];
+                want[static_cast<std::size_t>(i)] = Clamped((1.0 - w) * v[p] + w * v[p + 1], clamp);
             }
-            EXPECT_TRUE(SameBits(got.data(), want.data(), got.size())) << "n = " << n;
-        }
-    });
-}
-
-TEST(Kernels, SamplesMatchFindsTheFirstTargetOffItsSampleAndOneWidth) {
-    OnEveryBody([] {
-        for (const int step : {1, 2, 3}) {
-            Values s;
-            for (int k = 0; k < 140; ++k)
-                s.push_back(380.0 + 5.0 * k);
-            for (int n = 1; n <= kMaxLength; ++n) {
-                const int first = 3;
-                Values t;
-                for (int i = 0; i < n; ++i)
-                    t.push_back(s[static_cast<std::size_t>(first + step * i)]);
-                double width = 0.0;
-                EXPECT_TRUE(Kernels::SamplesMatch(s.data(), t.data(), first, step, n, width));
-                EXPECT_EQ(width, 5.0);
-                for (int off = 0; off < n; ++off) { // every position, in every lane and tail
-                    Values moved = t;
-                    moved[static_cast<std::size_t>(off)] = std::nextafter(moved[off], 1e9);
-                    EXPECT_FALSE(
-                        Kernels::SamplesMatch(s.data(), moved.data(), first, step, n, width))
-                        << "step " << step << ", n = " << n << ", off at " << off;
-                }
-                if (n < 2)
-                    continue;
-                Values uneven = s; // the last interval a little wider: still on the samples
-                uneven[static_cast<std::size_t>(first + step * (n - 1) + 1)] += 0.5;
-                EXPECT_TRUE(Kernels::SamplesMatch(uneven.data(), t.data(), first, step, n, width));
-                EXPECT_TRUE(std::isnan(width)) << "step " << step << ", n = " << n;
+            EXPECT_TRUE(
+                Kernels::PairsOnSamples(s.data(), t.data(), v.data(), got.data(), n, clamp));
+            EXPECT_TRUE(SameBits(got.data(), want.data(), un + 1)) << "n = " << n;
+            for (std::size_t off = 0; off < un; ++off) {
+                // The targets on samples, interval `off` wider and the next narrower (a single
+                // target has only the first, whose width is then the one width).
+                Values moved = t, uneven = s;
+                moved[off] = std::nextafter(moved[off], 1e9);
+                uneven[off + 1] += 0.5;
+                const Values onUneven(uneven.begin(), uneven.begin() + n);
+                EXPECT_FALSE(
+                    Kernels::PairsOnSamples(s.data(), moved.data(), v.data(), got.data(), n, clamp))
+                    << "n = " << n << ", off at " << off;
+                EXPECT_EQ(Kernels::PairsOnSamples(uneven.data(), onUneven.data(), v.data(),
+                                                  got.data(), n, clamp),
+                          n == 1)
+                    << "n = " << n << ", wider at " << off;
+                EXPECT_EQ(got[un], 7.0);
             }
         }
         // An interval narrower than DBL_MIN has no finite reciprocal width.
-        const double tiny[3] = {0.0, 0x1p-1070, 1.0}, at[1] = {0.0};
-        double width = 0.0;
-        EXPECT_FALSE(Kernels::SamplesMatch(tiny, at, 0, 1, 1, width));
+        const double tiny[3] = {0.0, 0x1p-1070, 0x1p-1069}, v[3] = {1.0, 2.0, 3.0};
+        double out[2];
+        EXPECT_FALSE(Kernels::PairsOnSamples(tiny, tiny, v, out, 2, false));
     });
 }

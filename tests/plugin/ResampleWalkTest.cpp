@@ -143,7 +143,8 @@ std::pair<Values, Values> Grids(std::mt19937& rng, int shape) {
     }
 }
 
-template <int kSource, int kTarget>
+// kClamp: the layout that writes negatives as 0, against the reference walk clamped after.
+template <int kSource, int kTarget, bool kClamp = false>
 void ExpectWalkBits(std::mt19937& rng, const Values& s, const Values& t) {
     const int m = static_cast<int>(s.size()), n = static_cast<int>(t.size());
     Values v(static_cast<std::size_t>(m * kSource));
@@ -156,11 +157,15 @@ void ExpectWalkBits(std::mt19937& rng, const Values& s, const Values& t) {
     const bool whole = std::uniform_int_distribution<int>(0, 1)(rng) == 0;
     const int first = whole ? 0 : std::uniform_int_distribution<int>(0, m - 1)(rng);
     const int last = whole ? m - 1 : std::uniform_int_distribution<int>(first, m - 1)(rng);
-    // The targets start at a value no path writes, so a skipped index shows.
-    Values expected(static_cast<std::size_t>(n * kTarget), 99.0), got = expected;
+    // The targets start at a value no path writes, so a skipped index shows, and one more double
+    // past them must stay so.
+    Values expected(static_cast<std::size_t>(n * kTarget + 1), 99.0), got = expected;
     const int status = ReferenceWalk<kSource, kTarget>(s, v, first, last, t, expected);
+    if (kClamp && status == 0)
+        for (int i = 0; i < n; ++i)
+            expected[i] = expected[i] < 0.0 ? 0.0 : expected[i];
     const MArray<double> sg = ToGrid(s), tg = ToGrid(t);
-    SpectrumLayout<kSource, kTarget> layout(v.data(), m, first, last, got.data(), n);
+    SpectrumLayout<kSource, kTarget, true, kClamp> layout(v.data(), m, first, last, got.data(), n);
     EXPECT_EQ(ResampleSpectrum(sg, tg, layout), status);
     EXPECT_TRUE(SameBits(got, expected)) << kSource << "/" << kTarget << ", " << m << " to " << n
                                          << (whole ? ", whole band" : ", banded");
@@ -177,6 +182,8 @@ TEST(ResampleWalk, GivesThePlainWalksBitsOnEveryShapeOfGridsInEveryLayout) {
         ExpectWalkBits<4, 1>(rng, s, t);
         ExpectWalkBits<16, 1>(rng, s, t);
         ExpectWalkBits<16, 16>(rng, s, t);
+        ExpectWalkBits<1, 1, true>(rng, s, t);
+        ExpectWalkBits<4, 1, true>(rng, s, t);
     }
 }
 
@@ -199,4 +206,26 @@ TEST(ResampleWalk, RefusesGridsThatDoNotAscendAsThePlainWalkDoes) {
     ExpectWalkBits<1, 1>(rng, Values{400, 500, 600}, Values{450, 700, 420});
     ExpectWalkBits<1, 1>(rng, Values{400, 500, 600}, Values{650, 450, 420});
     ExpectWalkBits<1, 1>(rng, Values{400, 400, 600}, Values{380, 400, 500}); // a zero width
+}
+
+TEST(ResampleWalk, TargetsThatLineUpButForOneTakeTheWalksBits) {
+    // The lined-up pass writes the targets as it confirms them; a target off its sample, wherever
+    // it is (every vector lane, the tail, the last), sends the resampling to the walk, which must
+    // give every target anew and write nothing past them. Pairs of one step: also a sample moved
+    // so that one interval is wider than the rest.
+    std::mt19937 rng(11);
+    const Values by5 = Regular(81, 380.0, 5.0), def = Regular(33, 390.0, 10.0),
+                 by10 = Regular(41, 380.0, 10.0);
+    for (std::size_t k = 0; k < def.size(); ++k) {
+        Values off = def;
+        off[k] = std::nextafter(off[k], 0.0);
+        ExpectWalkBits<1, 1>(rng, by5, off);
+        ExpectWalkBits<1, 1, true>(rng, by5, off);
+        ExpectWalkBits<4, 1, true>(rng, by5, off);
+        ExpectWalkBits<1, 1, true>(rng, off, by10);
+        Values shifted = def; // a sample moved half a step: two intervals of other widths
+        shifted[k] += 5.0;
+        ExpectWalkBits<1, 1, true>(rng, shifted, by10);
+        ExpectWalkBits<1, 1>(rng, shifted, by10);
+    }
 }

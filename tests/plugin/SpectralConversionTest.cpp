@@ -15,6 +15,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <functional>
 #include <limits>
 #include <type_traits>
@@ -463,4 +464,37 @@ TEST_F(SpectralConversion, RefusedRGBReconstructionsGiveZeros) {
         mueller.Values()[c] = 0.5 + c;
     stokesPoint->RGBConvertToSurfaceColor({0.2, 0.7, 0.1}, mueller);
     EXPECT_EQ(Of(mueller), Values(16, 0.0));
+}
+
+// A model of this very class clamps a resampled light as it writes it; a derived class keeps
+// its own ClampLgtColor. The same bits either way (negatives 0, -0.0 and NaN kept), on lined-up
+// grids of two steps and of one and on a grid that does not line up; a derived clamp that keeps
+// negatives is the one obeyed.
+TEST_F(SpectralConversion, ResampledLightsAreClampedByTheClampOfTheModelsClass) {
+    class Unclamped : public GridModel<Unpolarized> {
+    public:
+        using GridModel<Unpolarized>::GridModel;
+        void ClampLgtColor(ILgtColor&) const override {}
+    };
+    TPlugRef<USpec> own = new USpec(grid_), unclamped = new Unclamped(grid_);
+    for (const MArray<double>& from :
+         {Testing::EvenGrid(400.0, 15.0, 21), Testing::EvenGrid(370.0, 30.0, 13),
+          Testing::EvenGrid(383.0, 17.0, 20)}) {
+        TPlugRef<USpec> source = new USpec(from);
+        auto light = Make<LgtColor<USpec>>(from.Count());
+        for (int k = 0; k < from.Count(); ++k)
+            light.Values()[k] = k % 4 == 1   ? -0.0
+                                : k == 6     ? std::numeric_limits<double>::quiet_NaN()
+                                : k % 4 == 2 ? -0.5 * k
+                                             : 0.25 * k;
+        auto a = Make<LgtColor<USpec>>(11), b = a, c = a;
+        ASSERT_EQ(own->ConvertColor(source.Get(), light, a), 0);
+        ASSERT_EQ(u_->ConvertColor(source.Get(), light, b), 0);
+        ASSERT_EQ(unclamped->ConvertColor(source.Get(), light, c), 0);
+        EXPECT_EQ(std::memcmp(a.Values(), b.Values(), 11 * sizeof(double)), 0) << from[1];
+        bool negative = false;
+        for (int k = 0; k < 11; ++k)
+            negative = negative || c.Values()[k] < 0.0;
+        EXPECT_TRUE(negative) << from[1];
+    }
 }
