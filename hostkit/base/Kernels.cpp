@@ -133,6 +133,13 @@ KOR_KERNEL_BODY void ScaleBody(double* v, int stride, const double* w, int n) {
     }
 }
 
+KOR_KERNEL_BODY double TrapezoidAreaBody(const double* v, const double* l, int n) {
+    double e = v[0] * (l[1] - l[0]) / 2.0;
+    for (int k = 1; k < n - 1; ++k)
+        e += v[k] * (l[k + 1] - l[k - 1]) / 2.0;
+    return e + v[n - 1] * (l[n - 1] - l[n - 2]) / 2.0;
+}
+
 // Samples p[s i'], i' = i .. i+3, and their successors, for a step s of 1 or 2 (the strides the
 // vector loops take; others run the scalar loops): two loads, and for a step of 2 the even and odd
 // lanes of eight samples.
@@ -297,6 +304,7 @@ struct Table {
     void (*sumRows4)(const double*, int, const double*, int, double*);
     void (*sumRows3)(const double*, int, const double*, int, double*);
     void (*scale)(double*, int, const double*, int);
+    double (*trapezoidArea)(const double*, const double*, int);
     bool (*pickOnSamples)(const double*, const double*, const double*, int, double*, int, bool);
     bool (*pairsOnSamples)(const double*, const double*, const double*, double*, int, bool);
 };
@@ -318,6 +326,9 @@ void SumRows3(const double* s, int stride, const double* rows, int n, double* ou
 void Scale(double* v, int stride, const double* w, int n) {
     ScaleBody(v, stride, w, n);
 }
+double TrapezoidArea(const double* v, const double* l, int n) {
+    return TrapezoidAreaBody(v, l, n);
+}
 bool PickOnSamples(const double* s, const double* t, const double* v, int step, double* out, int n,
                    bool clamp) {
     return clamp ? PickOnSamplesStep<true>(s, t, v, step, out, n)
@@ -328,7 +339,8 @@ bool PairsOnSamples(const double* s, const double* t, const double* v, double* o
     return clamp ? PairsOnSamplesBody<true>(s, t, v, out, n)
                  : PairsOnSamplesBody<false>(s, t, v, out, n);
 }
-constexpr Table kTable{Combine3, Clamp, SumRows4, SumRows3, Scale, PickOnSamples, PairsOnSamples};
+constexpr Table kTable{Combine3, Clamp,         SumRows4,      SumRows3,
+                       Scale,    TrapezoidArea, PickOnSamples, PairsOnSamples};
 } // namespace baseline
 
 #if KOR_KERNELS_AVX2
@@ -350,6 +362,9 @@ KOR_AVX2 void SumRows3(const double* s, int stride, const double* rows, int n, d
 KOR_AVX2 void Scale(double* v, int stride, const double* w, int n) {
     ScaleBody(v, stride, w, n);
 }
+KOR_AVX2 double TrapezoidArea(const double* v, const double* l, int n) {
+    return TrapezoidAreaBody(v, l, n);
+}
 KOR_AVX2 bool PickOnSamples(const double* s, const double* t, const double* v, int step,
                             double* out, int n, bool clamp) {
     return clamp ? PickOnSamplesStep<true>(s, t, v, step, out, n)
@@ -361,7 +376,8 @@ KOR_AVX2 bool PairsOnSamples(const double* s, const double* t, const double* v, 
                  : PairsOnSamplesBody<false>(s, t, v, out, n);
 }
 #undef KOR_AVX2
-constexpr Table kTable{Combine3, Clamp, SumRows4, SumRows3, Scale, PickOnSamples, PairsOnSamples};
+constexpr Table kTable{Combine3, Clamp,         SumRows4,      SumRows3,
+                       Scale,    TrapezoidArea, PickOnSamples, PairsOnSamples};
 } // namespace avx2
 #endif
 
@@ -416,6 +432,10 @@ void SumRows3(const double* s, int stride, const double* rows, int n, double out
 
 void Scale(double* v, int stride, const double* w, int n) {
     Body().scale(v, stride, w, n);
+}
+
+double TrapezoidArea(const double* v, const double* l, int n) {
+    return Body().trapezoidArea(v, l, n);
 }
 
 bool PickOnSamples(const double* s, const double* t, const double* v, int step, double* out, int n,

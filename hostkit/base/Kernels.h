@@ -35,6 +35,11 @@ KOR_HOST_API void SumRows3(const double* s, int stride, const double* rows, int 
 // of its component (stride 1: plain values, 4: Stokes vectors).
 KOR_HOST_API void Scale(double* v, int stride, const double* w, int n);
 
+// The trapezoid area of n >= 2 values v over the grid l: e = v[0] (l[1] - l[0]) / 2, then
+// e += v[k] (l[k + 1] - l[k - 1]) / 2 for k = 1 .. n-2, then e + v[n-1] (l[n-1] - l[n-2]) / 2.
+// A chain of dependent additions, which the AVX2 body's encoding runs faster.
+KOR_HOST_API double TrapezoidArea(const double* v, const double* l, int n);
+
 // Targets on source samples `step` apart, confirmed while they are taken: whether t[i] == s[j]
 // and s[j + 1] - s[j] >= DBL_MIN (an interval whose reciprocal width is finite) for every i < n,
 // j = step * i, writing out[i] = v[j] + 0.0 * v[j + 1] (linear interpolation at u = 0, without

@@ -188,11 +188,7 @@ double SpectralModel<Pol>::LgtEnergy(const ILgtColor& c) const {
         return d.Get(0)[0];
     if (!Pol::kIsPolarized && d.First() <= 0 && d.Last() >= n - 1 && d.Count() >= n) {
         // Every value inside the band: read in place, the same sum in the same order.
-        const double* v = d.Values();
-        double e = v[0] * (l[1] - l[0]) / 2.0;
-        for (int k = 1; k < n - 1; ++k)
-            e += v[k] * (l[k + 1] - l[k - 1]) / 2.0;
-        return e + v[n - 1] * (l[n - 1] - l[n - 2]) / 2.0;
+        return Kernels::TrapezoidArea(d.Values(), l.Data(), n);
     }
     double e = d.Get(0)[0] * (l[1] - l[0]) / 2.0;
     for (int k = 1; k < n - 1; ++k)

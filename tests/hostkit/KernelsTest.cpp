@@ -145,6 +145,16 @@ TEST(Kernels, SumsAddTheirTermsInIndexOrder) {
                 EXPECT_TRUE(SameBits(got4, want4, 4)) << "SumRows4, n = " << n;
                 EXPECT_TRUE(SameBits(got3, want3, 3)) << "SumRows3, n = " << n;
             }
+            if (n >= 2) { // the trapezoid area: the end terms first and last
+                const auto un = static_cast<std::size_t>(n);
+                const Values v = Awkward(rng, un), l = Awkward(rng, un);
+                double want = v[0] * (l[1] - l[0]) / 2.0;
+                for (std::size_t k = 1; k + 1 < un; ++k)
+                    want += v[k] * (l[k + 1] - l[k - 1]) / 2.0;
+                want += v[un - 1] * (l[un - 1] - l[un - 2]) / 2.0;
+                const double got = Kernels::TrapezoidArea(v.data(), l.data(), n);
+                EXPECT_TRUE(SameBits(&got, &want, 1)) << "TrapezoidArea, n = " << n;
+            }
         }
     });
 }
