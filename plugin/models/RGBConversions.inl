@@ -12,6 +12,7 @@
 
 #include "plugin/models/SourceKind.h"
 
+#include <algorithm>
 #include <type_traits>
 #include <typeinfo>
 
@@ -158,7 +159,7 @@ void SetClampedLight(V& c, const TVect3<double>& v) {
         RGBOps::SetIntensities(c, v);
     } else {
         for (int ch = 0; ch < 3; ++ch)
-            c.Channel(ch)[0] = v[ch] < 0.0 ? 0.0 : v[ch];
+            c.Channel(ch)[0] = std::max(v[ch], 0.0); // v < 0 ? 0 : v
     }
 }
 

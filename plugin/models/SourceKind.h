@@ -34,6 +34,7 @@ inline SourceKind KindOf(const ColorModel* src) {
     if (!src)
         return SourceKind::Other;
     const std::type_info* type = &typeid(*src);
+#pragma GCC unroll 8 // a chain of comparisons, no loop
     for (const KnownModel& known : kKnownModels)
         if (known.type == type)
             return known.kind;
