@@ -205,27 +205,27 @@ void CIEConv::SetCurrent(const CIEConv* conv) {
 
 int CIEConv::spectrum2xyz(const TArray<double>& waves, const TArray<double>& s,
                           TVect3<double>& xyz) {
-    return Current()->impl_->LightXYZ(waves, s.Data(), s.Count(), xyz);
+    return Cie::CurrentConv()->impl_->LightXYZ(waves, s.Data(), s.Count(), xyz);
 }
 
 int CIEConv::spectrum2xyz(const TArray<double>& waves, const BArray<double>& s,
                           TVect3<double>& xyz) {
-    return Current()->impl_->LightXYZ(waves, s.Data(), s.Count(), xyz);
+    return Cie::CurrentConv()->impl_->LightXYZ(waves, s.Data(), s.Count(), xyz);
 }
 
 int CIEConv::spectrum2xyz(const CIEGrid& grid, const TArray<double>& waves, const BArray<double>& s,
                           TVect3<double>& xyz) {
-    return Current()->impl_->LightXYZ(grid, waves, s.Data(), s.Count(), xyz);
+    return Cie::CurrentConv()->impl_->LightXYZ(grid, waves, s.Data(), s.Count(), xyz);
 }
 
 int CIEConv::spectrum2xyzAttr(const TArray<double>& waves, const TArray<double>& r,
                               TVect3<double>& xyz) {
-    return Current()->impl_->ReflectanceXYZ(waves, r.Data(), r.Count(), xyz);
+    return Cie::CurrentConv()->impl_->ReflectanceXYZ(waves, r.Data(), r.Count(), xyz);
 }
 
 int CIEConv::spectrum2bw(const TArray<double>& waves, const TArray<double>& s, double& value) {
     Cie::GridTablesRef t;
-    int status = Current()->impl_->Tables(waves, s.Count(), t);
+    int status = Cie::CurrentConv()->impl_->Tables(waves, s.Count(), t);
     if (status == 0 && t->lightY == 0.0)
         status = -1;
     value = 0.0;
