@@ -168,15 +168,8 @@ namespace Korvane {
 template class SpectralModel<Unpolarized>;
 template class SpectralModel<StokesPolarization>;
 
-SpectralSource SourceOf(const ColorModel& model) {
+SpectralSource AskedSource(const ColorModel& model) {
     SpectralSource source;
-    if (&typeid(model) == &typeid(SpectralModel<Unpolarized>)) {
-        const auto& own = static_cast<const SpectralModel<Unpolarized>&>(model);
-        source.n = own.BSpectralModel::NWaves();
-        source.waves = &own.BSpectralModel::GetWaveLengths();
-        source.tables = &own.GridTables();
-        return source;
-    }
     source.polarized = model.HasPolarization();
     source.n = model.NWaves();
     source.waves = &model.GetWaveLengths();

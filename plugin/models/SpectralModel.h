@@ -19,6 +19,8 @@
 #include "plugin/models/ModelsFwd.h"
 #include "plugin/spectral/BSpectralModel.h"
 
+#include <typeinfo>
+
 namespace Korvane {
 
 template <class Pol>
@@ -189,6 +191,21 @@ struct SpectralSource {
     const MArray<double>* waves = nullptr; // the grid
     const CIEGrid* tables = nullptr;       // its converter tables; null when not known
 };
-KOR_PLUGIN_API SpectralSource SourceOf(const ColorModel& model);
+// Inline, so that a per-ray conversion reads its source without a call.
+inline SpectralSource SourceOf(const ColorModel& model);
+// What SourceOf reads of a model of any other class: its answers to HasPolarization, NWaves and
+// GetWaveLengths.
+KOR_PLUGIN_API SpectralSource AskedSource(const ColorModel& model);
+
+inline SpectralSource SourceOf(const ColorModel& model) {
+    if (&typeid(model) != &typeid(SpectralModel<Unpolarized>))
+        return AskedSource(model);
+    const auto& own = static_cast<const SpectralModel<Unpolarized>&>(model);
+    SpectralSource source;
+    source.n = own.BSpectralModel::NWaves();
+    source.waves = &own.BSpectralModel::GetWaveLengths();
+    source.tables = &own.GridTables();
+    return source;
+}
 
 } // namespace Korvane
