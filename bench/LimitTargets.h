@@ -9,6 +9,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cstdlib>
+
 #define KOR_LIMIT_INLINE __attribute__((always_inline))
 
 // As for the library's kernels: GCC or clang on x86-64, outside Windows.
@@ -58,4 +60,30 @@ private:
 };
 #endif
 
+// Runs check(Plain{}, "library flags") and, where the processor has AVX2, check(Avx2{}, "AVX2"):
+// the start-up check of a benchmark file's limit kernels. Aborts when one returns false.
+template <class Check>
+bool CheckEveryTarget(Check check) {
+    bool ok = check(Plain{}, "library flags");
+#if KOR_LIMIT_AVX2
+    if (Avx2::Runs())
+        ok = check(Avx2{}, "AVX2") && ok;
+#endif
+    if (!ok)
+        std::abort();
+    return ok;
+}
+
 } // namespace Korvane::Limit
+
+// Registers limit kernel `name<T>` under each target: the library's flags and, in a build that has
+// the AVX2 target, AVX2 (skipped on a processor without it). Plain and Avx2 are named as they are
+// written, with `using Limit::Plain;` (and Avx2) in the file, so that the benchmarks read
+// "name<Plain>" and "name<Avx2>".
+#if KOR_LIMIT_AVX2
+#define KOR_LIMIT_BENCHMARK(name)                                                                  \
+    BENCHMARK_TEMPLATE(name, Plain);                                                               \
+    BENCHMARK_TEMPLATE(name, Avx2)
+#else
+#define KOR_LIMIT_BENCHMARK(name) BENCHMARK_TEMPLATE(name, Plain)
+#endif

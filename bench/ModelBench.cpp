@@ -705,27 +705,8 @@ bool CheckLimitKernels(const char* target) {
     return ok;
 }
 
-bool CheckEveryTarget() {
-    bool ok = CheckLimitKernels<Plain>("library flags");
-#if KOR_LIMIT_AVX2
-    if (Avx2::Runs())
-        ok = CheckLimitKernels<Avx2>("AVX2") && ok;
-#endif
-    if (!ok)
-        std::abort();
-    return ok;
-}
-
-const bool kChecked = CheckEveryTarget();
-
-// Each limit kernel under the library's flags and, where the processor has it, for AVX2.
-#if KOR_LIMIT_AVX2
-#define KOR_LIMIT_BENCHMARK(name)                                                                  \
-    BENCHMARK_TEMPLATE(name, Plain);                                                               \
-    BENCHMARK_TEMPLATE(name, Avx2)
-#else
-#define KOR_LIMIT_BENCHMARK(name) BENCHMARK_TEMPLATE(name, Plain)
-#endif
+const bool kChecked = Limit::CheckEveryTarget(
+    [](auto target, const char* name) { return CheckLimitKernels<decltype(target)>(name); });
 
 BENCHMARK(BM_RGBLightFromSpectral)->ThreadRange(1, 2)->UseRealTime();
 KOR_LIMIT_BENCHMARK(BM_RGBLightFromSpectral_Limit);
