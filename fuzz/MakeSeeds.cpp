@@ -13,6 +13,7 @@
 #include "plugin/holders/ArrayLgtColorHold.h"
 #include "plugin/holders/ColorHold.h"
 #include "plugin/holders/MatrixLgtColorHold.h"
+#include "tests/support/ColourPattern.h"
 
 #include <cstdint>
 #include <cstring>
@@ -26,23 +27,11 @@ namespace {
 
 // ---- filling the holders ----
 
-template <class M, class I, class Comp, int N>
-void Pattern(FixedColour<M, I, Comp, N>& c, double seed) {
-    for (int k = 0; k < FixedColour<M, I, Comp, N>::kDoubles; ++k)
-        c[k] = seed + 0.25 * k;
-}
-template <class M, class I, class D>
-void Pattern(SpctrlColour<M, I, D>& c, double seed) {
-    if (c.Distr().SetLength(3) != 0)
+// A colour filled with the tests' pattern (a finding when it cannot be sized).
+template <class C>
+void Pattern(C& c, double seed) {
+    if (!Testing::FillPattern(c, seed))
         Fuzz::Finding("cannot size a seed's spectral colour");
-    for (int k = 0; k < 3 * D::Component::kSize; ++k)
-        c.Values()[k] = seed + 0.25 * k;
-}
-template <class M, class L, bool kPolarized>
-void Pattern(RayColour<M, L, kPolarized>& c, double seed) {
-    Pattern(c.Light(), seed);
-    if constexpr (kPolarized)
-        c.XOrt() = TVect3<double>(0.0, seed, 1.0);
 }
 
 template <class K>

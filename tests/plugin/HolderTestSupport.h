@@ -8,6 +8,7 @@
 #include "hostkit/plugsys/PlugType.h"
 #include "plugin/colour/ColourValues.h"
 #include "plugin/frame/ModuleEntry.h"
+#include "tests/support/ColourPattern.h"
 
 #include <gtest/gtest.h>
 
@@ -22,24 +23,10 @@ protected:
     void TearDown() override { TermClasses(); }
 };
 
-// Distinct values, none zero, that start at `seed`; a spectral colour gets three samples and a
-// polarized ray colour the X orientation (0, seed, 1).
-template <class M, class I, class Comp, int N>
-void Pattern(FixedColour<M, I, Comp, N>& c, double seed) {
-    for (int k = 0; k < FixedColour<M, I, Comp, N>::kDoubles; ++k)
-        c[k] = seed + 0.25 * k;
-}
-template <class M, class I, class D>
-void Pattern(SpctrlColour<M, I, D>& c, double seed) {
-    ASSERT_EQ(c.Distr().SetLength(3), 0);
-    for (int k = 0; k < 3 * D::Component::kSize; ++k)
-        c.Values()[k] = seed + 0.25 * k;
-}
-template <class M, class L, bool kPolarized>
-void Pattern(RayColour<M, L, kPolarized>& c, double seed) {
-    Pattern(c.Light(), seed);
-    if constexpr (kPolarized)
-        c.XOrt() = TVect3<double>(0.0, seed, 1.0);
+// A colour filled with the pattern of ColourPattern.h; the test fails when it cannot be sized.
+template <class C>
+void Pattern(C& c, double seed) {
+    ASSERT_TRUE(FillPattern(c, seed)) << "cannot size a spectral colour";
 }
 
 // The plug written by its type into an archive of `format`.
