@@ -520,6 +520,18 @@ struct ErrorCase {
     const char* message;
 };
 
+// Runs each case and checks its exit code and error text; `out` checks what it printed.
+template <std::size_t N, class Out>
+void ExpectErrors(const ErrorCase (&cases)[N], Out out) {
+    for (const ErrorCase& c : cases) {
+        SCOPED_TRACE(c.args);
+        const ToolResult r = Tool(c.args, c.input);
+        EXPECT_EQ(r.code, c.code);
+        EXPECT_EQ(r.err, c.message);
+        out(r.out);
+    }
+}
+
 // Every holder family (single colours of each kind, light arrays and matrices) of BW, RGB and
 // spectral models, unpolarized and Stokes, saved and shown back in both archive formats. `shown`
 // is what show prints after the type line; "{v}" stands for the values line of the given colour.
@@ -690,13 +702,7 @@ TEST(ToolHolder, RefusedShapesAndKindsAreUsageErrors) {
          "korvane: error: 10000001 colours of 1 values exceed the tool's limit of 10000000 "
          "values in one holder\n"},
     };
-    for (const ErrorCase& c : cases) {
-        SCOPED_TRACE(c.args);
-        const ToolResult r = Tool(c.args, c.input);
-        EXPECT_EQ(r.code, c.code);
-        EXPECT_EQ(r.err, c.message);
-        EXPECT_EQ(r.out, "");
-    }
+    ExpectErrors(cases, [](const std::string& out) { EXPECT_EQ(out, ""); });
 }
 
 TEST(ToolErrors, EveryPathSaysWhatAndExitsWithItsCode) {
@@ -781,12 +787,9 @@ TEST(ToolErrors, EveryPathSaysWhatAndExitsWithItsCode) {
          "korvane: error: resample needs --grid FIRST LAST STEP or --grid-file FILE\n"},
         {"analyze", "", 2, "korvane: files is required\nRun 'korvane --help' for usage.\n"},
     };
-    for (const ErrorCase& c : cases) {
-        const ToolResult r = Tool(c.args, c.input);
-        EXPECT_EQ(r.code, c.code) << c.args;
-        EXPECT_EQ(r.err, c.message) << c.args;
-        EXPECT_EQ(r.out.find("error"), std::string::npos) << c.args; // nothing on stdout
-    }
+    ExpectErrors(cases, [](const std::string& out) {
+        EXPECT_EQ(out.find("error"), std::string::npos); // no error text on stdout
+    });
 }
 
 // Errors that need files of their own: a file that is not a plug file, a grid file that is not a
@@ -835,13 +838,9 @@ TEST(ToolErrors, JsonIsWholeOrNothing) {
          "korvane: error: <stdin>:2:1: expected a wavelength above the previous one (400), "
          "found '400'\n"},
     };
-    for (const ErrorCase& c : cases) {
-        SCOPED_TRACE(c.args);
-        const ToolResult r = Tool(c.args, c.input);
-        EXPECT_EQ(r.code, c.code);
-        EXPECT_EQ(r.err, c.message);
-        EXPECT_TRUE(r.out.empty() || json::accept(r.out)) << r.out;
-    }
+    ExpectErrors(cases, [](const std::string& out) {
+        EXPECT_TRUE(out.empty() || json::accept(out)) << out;
+    });
 }
 
 TEST(ToolErrors, GridsBeyondTheToolsBoundAreRefusedWithoutLoadingThem) {
