@@ -70,10 +70,10 @@ const Comp& Sample(const SpctrlColourDistr<Comp>& d, int i) {
 
 // The sample count of a spectral source colour, read in the source's own layout.
 template <class I>
-int SampleCount(const ColorModel* src, const I& from) {
-    int n = 0;
-    WithSourceLayout<SpectralModel>(src, from, [&n](const auto& c) { n = c.Count(); });
-    return n;
+int SampleCount(const SpectralSource& source, const I& from) {
+    if (source.polarized)
+        return Value<SpectralModel<StokesPolarization>>(from).Count();
+    return Value<SpectralModel<Unpolarized>>(from).Count();
 }
 
 // For k = 0 .. elements - 1: element k of every sample of `d`, gathered into one spectrum over
@@ -306,35 +306,29 @@ template <class Pol>
 int RGBModel<Pol>::ConvertToRayColor(const ColorModel* src, const ILgtColor& from,
                                      IRayColor& to) const {
     using namespace RGBConversion;
+    // This library's unpolarized spectral model is known by its type: no virtual question, its
+    // grid's converter tables, its own energy.
+    const bool own = src && &typeid(*src) == &typeid(SpectralModel<Unpolarized>);
+    if (!own && (!src || !src->IsSpectral()))
+        return ColorModel::ConvertToRayColor(src, from, to);
+    const SpectralSource source = SourceOf(*src);
+    if (SampleCount(source, from) != source.n)
+        return -1;
     auto& out = Value<RGBModel>(to).Light();
-    double sourceEnergy = 0.0;
-    if (src && &typeid(*src) == &typeid(SpectralModel<Unpolarized>)) {
-        // This library's unpolarized spectral model: the same steps as below without a virtual
-        // question, its samples integrated in place through its grid's converter tables.
-        const auto& model = static_cast<const SpectralModel<Unpolarized>&>(*src);
-        const SpectralSource source = SourceOf(model);
-        if (Value<SpectralModel<Unpolarized>>(from).Count() != source.n)
-            return -1;
+    if (source.polarized) {
+        const auto& d = Value<SpectralModel<StokesPolarization>>(from).Distr();
+        if (!FromPolarizedSpectrum(src, d, out, LightRGB))
+            return ConversionFailure("Light to RGB ray color conversion failure");
+    } else {
+        // The samples read in place, without a copy.
         TVect3<double> xyz(0.0, 0.0, 0.0);
         if (!SourceSamples::InPlaceLightXYZ(source, from, xyz))
             xyz = StoredLightXYZ(*source.waves, from);
         RGBOps::SetIntensities(out, ColourMath::ClampNegative(RGBOps::ApplyM(xyz)));
-        sourceEnergy = model.SpectralModel<Unpolarized>::LgtEnergy(from);
-    } else {
-        if (!src || !src->IsSpectral())
-            return ColorModel::ConvertToRayColor(src, from, to);
-        if (SampleCount(src, from) != src->NWaves())
-            return -1;
-        if (src->HasPolarization()) {
-            const auto& d = Value<SpectralModel<StokesPolarization>>(from).Distr();
-            if (!FromPolarizedSpectrum(src, d, out, LightRGB))
-                return ConversionFailure("Light to RGB ray color conversion failure");
-        } else {
-            RGBOps::SetIntensities(out, ColourMath::ClampNegative(RGBOps::ApplyM(
-                                            StoredLightXYZ(src->GetWaveLengths(), from))));
-        }
-        sourceEnergy = src->LgtEnergy(from);
     }
+    const double sourceEnergy = own ? static_cast<const SpectralModel<Unpolarized>&>(*src)
+                                          .SpectralModel<Unpolarized>::LgtEnergy(from)
+                                    : src->LgtEnergy(from);
     if (sourceEnergy == 0.0)
         return 0;
     // No guard against a zero sum here: the division stands as it is.
